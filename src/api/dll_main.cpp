@@ -1,0 +1,4 @@
+#include <windows.h>
+
+extern "C" __declspec(dllexport) void setUseExternalTsfIme(int) {}
+BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID) { return TRUE; }
