@@ -20,17 +20,21 @@ zemo_find_wine() {
 
 # Removes what a killed session leaves: its folder, its display's socket and lock, its Wine server's socket folder.
 zemo_forget_session() {
-    local session=$ZEMO_GROUND/sessions/$1 number id try
+    local session=$ZEMO_GROUND/sessions/$1 number folder try
     [ -d "$session" ] || return 0
     if [ -s "$session/xvfb" ]; then
         number=$(cat "$session/xvfb")
+        for try in {1..20}; do  # a killed display takes a moment to go
+            grep -qs "@/tmp/.X11-unix/X$number\$" /proc/net/unix || break
+            sleep 0.05
+        done
         if ! grep -qs "@/tmp/.X11-unix/X$number\$" /proc/net/unix; then  # nobody listens: ours is gone
             rm -f "/tmp/.X11-unix/X$number" "/tmp/.X$number-lock"
         fi
     fi
-    if [ -d "$session/prefix" ]; then
-        id=$(printf '%x-%x' $(stat -c '%d %i' "$session/prefix"))
-        rm -rf "/tmp/.wine-$(id -u)/server-$id"
+    if [ -s "$session/prefix/wineserver" ]; then  # the name that Wine's server chose for its folder
+        folder=$(tr -d '\0' <"$session/prefix/wineserver")
+        case $folder in wine-[A-Za-z0-9]*) rm -rf "/tmp/${folder%%/*}" ;; esac
     fi
     for try in 1 2 3 4 5; do rm -rf "$session" 2>/dev/null && return 0; sleep 0.2; done
     return 0
