@@ -59,13 +59,16 @@ void FrameCompositor::paintPopup(bool drawCloseButton, const void* buffer, int w
     if (viewFrame_.empty() || !composedValid_ || composedFrame_.size() != viewFrame_.size()) return;
     copyBox(composedFrame_, viewFrame_.data(), popupBox());
     blitPopup();
-    if (popupBox() != previousPopup_ || overlap(popupBox(), closeBox())) overlaysIntact_ = false;
     PixelBox dirty = popupBox().empty() ? PixelBox{} : clipToFrame(popupBox(), viewWidth_, viewHeight_);
+    if (popupBox() != previousPopup_) popupIntact_ = false;
 
     const PixelBox close = closeBox();
-    if (drawCloseButton && overlap(dirty, close)) {
-        drawCloseImage();
-        dirty = widened(dirty, close);
+    if (overlap(dirty, close)) {
+        popupIntact_ = closeIntact_ = false;
+        if (drawCloseButton) {
+            drawCloseImage();
+            dirty = widened(dirty, close);
+        }
     }
     present(composedFrame_, dirty);
 }
@@ -176,9 +179,8 @@ void FrameCompositor::compose(PixelBox dirty, bool popupInUse, bool drawCloseBut
     // show other pixels than before, and not only where the page changed: then all of it is reported.
     const bool crossed = overlap(popup, close) || overlap(previousPopup_, close) || overlap(popup, previousClose_) ||
                          overlap(previousPopup_, previousClose_);
-    const bool disturbed = crossed || !overlaysIntact_;
-    const bool reportPopup = popupChanged || (popupRedraw && disturbed);
-    const bool reportClose = closeChanged || (closeRedraw && (disturbed || overlap(dirty, close)));
+    const bool reportPopup = popupChanged || (popupRedraw && (crossed || !popupIntact_));
+    const bool reportClose = closeChanged || (closeRedraw && (crossed || !closeIntact_ || overlap(dirty, close)));
 
     const bool fromScratch = !composedValid_;
     if (fromScratch) {
@@ -201,8 +203,8 @@ void FrameCompositor::compose(PixelBox dirty, bool popupInUse, bool drawCloseBut
     if (closeChanged) dirty = widened(dirty, previousClose_);
     if (reportClose) dirty = widened(dirty, close);
 
-    const bool allRedrawn = fromScratch || ((popupRedraw || !popupInUse) && (closeRedraw || !drawCloseButton));
-    overlaysIntact_ = !crossed && (overlaysIntact_ || allRedrawn);
+    popupIntact_ = !crossed && (popupIntact_ || fromScratch || popupRedraw || !popupInUse);
+    closeIntact_ = !crossed && (closeIntact_ || fromScratch || closeRedraw || !drawCloseButton);
     previousPopup_ = popup;
     previousClose_ = close;
     present(composedFrame_, dirty);

@@ -83,7 +83,8 @@ private:
     PixelBox popupTrace_;  // bounds of all popup pixels drawn since composedFrame_ was built from scratch
     PixelBox closeTrace_;  // the same for the close icon
 
-    bool overlaysIntact_ = true;  // popup and icon stand in composedFrame_ just as the last view frame would draw them
+    bool popupIntact_ = true;  // composedFrame_ shows the popup where and as the last view frame would draw it
+    bool closeIntact_ = true;  // the same for the close icon
 
     Frame closeImage_;
     int closeImageWidth_ = 0;
