@@ -95,7 +95,7 @@ class CefHandler : public CefClient,
     // CefLifeSpanHandler
     bool OnBeforePopup(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int popup_id,
                        const CefString& target_url, const CefString& target_frame_name,
-                       WindowOpenDisposition target_disposition, bool user_gesture,
+                       CefLifeSpanHandler::WindowOpenDisposition target_disposition, bool user_gesture,
                        const CefPopupFeatures& popupFeatures, CefWindowInfo& windowInfo, CefRefPtr<CefClient>& client,
                        CefBrowserSettings& settings, CefRefPtr<CefDictionaryValue>& extra_info,
                        bool* no_javascript_access) override;
