@@ -23,7 +23,7 @@ namespace ZEMO::UI {
 /// Threads: layerWindowProc and dispatchMessage run on the game's window thread; addLayer and removeLayer on whatever
 /// thread shows, closes or drops a view; the settings may be set and read on any thread.
 class ZEMOMultiLayerManager final : public ZEMO::Core::Singleton<ZEMOMultiLayerManager> {
-   public:
+public:
     using ScriptUseCallback = std::function<void(int)>;
     using KeyboardCallback = std::function<void(int)>;
     using ExternalBrowserCallback = std::function<bool(const std::string&)>;
@@ -84,7 +84,7 @@ class ZEMOMultiLayerManager final : public ZEMO::Core::Singleton<ZEMOMultiLayerM
     FramePresentCallback getOsrFramePresentCallback() const { return osrFramePresentCallback.get(); }
     void setOsrFramePresentCallback(FramePresentCallback callback) { osrFramePresentCallback.set(std::move(callback)); }
 
-   private:
+private:
     using LayerList = std::vector<std::weak_ptr<ILayer>>;
 
     std::shared_ptr<ILayer> topLayer();

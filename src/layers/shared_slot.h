@@ -10,14 +10,14 @@ namespace ZEMO::UI {
 /// or new; nothing is held while the value's own code (a callback) runs. T{} until the first set.
 template <class T>
 class SharedSlot {
-   public:
+public:
     void set(T value) { current.store(std::make_shared<const T>(std::move(value))); }
     T get() const {
         const std::shared_ptr<const T> held = current.load();
         return held ? *held : T{};
     }
 
-   private:
+private:
     std::atomic<std::shared_ptr<const T>> current;
 };
 

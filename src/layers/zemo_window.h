@@ -5,6 +5,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -30,13 +31,14 @@ class ZEMOWindow : public ILayer,
                    public IInputEvents,
                    public IFocusEvents,
                    public IExternalInputEvents {
-   public:
+public:
     /// std::make_shared<T> with the arguments, then the step that lets an own window reach the complete object. Until
     /// then, and while the last reference goes, the window's messages take the system's default way.
     template <class T, class... Arguments>
     static std::shared_ptr<T> create(Arguments&&... arguments) {
         auto layer = std::make_shared<T>(std::forward<Arguments>(arguments)...);
-        if (layer->ownWindow) layer->ownWindow->attach(std::shared_ptr<ZEMOWindow>(layer));
+        const ZEMOWindow& base = *layer;
+        if (base.ownWindow) base.ownWindow->attach(std::shared_ptr<ZEMOWindow>(layer));
         return layer;
     }
 
@@ -61,14 +63,15 @@ class ZEMOWindow : public ILayer,
     bool handleMessage(LRESULT* result, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
     void setSteamOverlayActive(bool active) override { steamOverlayActive = active; }
 
-   protected:
+protected:
     /// Hands over the child view window of the Steam Deck variant with its handle. On the window's thread, before the
     /// constructor returns.
     void setViewChild(std::shared_ptr<ZEMOExtraWindowForSteamdeck> child, HWND childWindow);
 
-   private:
-    friend class OwnWindowLink;
+    /// The game's own cursor file, shown in place of the page's cursors; null for none. Set by the constructor.
+    HCURSOR customCursor = nullptr;
 
+private:
     // own_window_thread.cpp
     struct OwnThreadStart;
     void createOwnWindow();
@@ -78,32 +81,33 @@ class ZEMOWindow : public ILayer,
     static LRESULT CALLBACK ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
     // own_window_proc.cpp
-    LRESULT windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT onOwnState(const WindowMessage& m);
+    using OwnResult = std::optional<LRESULT>;  ///< empty: the system's default answer is wanted
+    OwnResult windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    OwnResult onOwnState(const WindowMessage& m);
 
     // layer_message_handler.cpp
     bool onLayerState(const WindowMessage& m);
 
     // mouse_messages.cpp
     bool onLayerMouse(const WindowMessage& m);
-    LRESULT onOwnMouse(const WindowMessage& m);
+    OwnResult onOwnMouse(const WindowMessage& m);
     void moveMouse(const WindowMessage& m, int x, int y, WPARAM keys);
 
     // pointer_messages.cpp
     bool onLayerPointer(const WindowMessage& m);
-    LRESULT onOwnPointer(const WindowMessage& m);
+    OwnResult onOwnPointer(const WindowMessage& m);
 
     // ime_messages.cpp
     bool onLayerIme(LRESULT* result, const WindowMessage& m);
-    LRESULT onOwnIme(const WindowMessage& m);
+    OwnResult onOwnIme(const WindowMessage& m);
 
     // cursor_messages.cpp
     bool onLayerSetCursor(const WindowMessage& m);
-    LRESULT onOwnSetCursor(const WindowMessage& m);
+    OwnResult onOwnSetCursor(const WindowMessage& m);
 
     // private_messages.cpp
     bool onLayerPrivate(const WindowMessage& m);
-    LRESULT onOwnPrivate(const WindowMessage& m);
+    OwnResult onOwnPrivate(const WindowMessage& m);
 
     IXbtn* closeButtonIfShown() const { return closeButtonShown.load(std::memory_order_acquire); }
     bool isOnCloseButton(const WindowMessage& m) const;
@@ -124,7 +128,6 @@ class ZEMOWindow : public ILayer,
     std::atomic<bool> steamOverlayActive;  ///< set on the game's thread
     std::shared_ptr<ZEMOExtraWindowForSteamdeck> viewChild;
     HWND viewChildWindow = nullptr;
-    HCURSOR customCursor = nullptr;
     std::shared_ptr<OwnWindowLink> ownWindow;  ///< Window style only
 };
 
