@@ -62,7 +62,7 @@ void sendUIRemoteInputEvent(const std::string& /*type*/, const std::string& /*ac
 
 void setOpenGLSleepTime(unsigned int ms) { manager().setOpenGLSleepTime(ms); }
 
-void setUIEngineOsrRenderEnabled(int enabled) { setUIEngineOsrRenderEnabledState(enabled != 0); }
+void setUIEngineOsrRenderEnabled(int enabled) { setUIEngineOsrRenderEnabledFlag(enabled != 0); }
 
 void setUIGameControllerScriptUseCallback(std::function<void(int)> callback) {
     manager().setGameControllerScriptUseCallback(std::move(callback));
