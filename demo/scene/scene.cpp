@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 namespace demo {
 
@@ -14,39 +13,11 @@ namespace {
 constexpr float kPi = 3.14159265f;
 constexpr float kEyeDistance = 5.2f;
 constexpr Vec3 kSun{-0.62f, 0.48f, 0.62f};
-constexpr int kAirSize = 256;
-constexpr float kAirReach = 1.5f;  // the glow's square ends at this many planet radii
 
-/// The air around the planet, stronger on the sunny side. Behind the planet it glows outward from the rim; in front of
-/// it only a thin seam along the rim is left, which also softens the edge of the polygons.
-unsigned makeAir(bool isInFront) {
-    std::vector<std::uint8_t> pixels(kAirSize * kAirSize);
-    for (int y = 0; y < kAirSize; ++y) {
-        for (int x = 0; x < kAirSize; ++x) {
-            const float u = (2.0f * (static_cast<float>(x) + 0.5f) / kAirSize - 1) * kAirReach;
-            const float v = (2.0f * (static_cast<float>(y) + 0.5f) / kAirSize - 1) * kAirReach;
-            const float r = std::sqrt(u * u + v * v);
-            const float sunny = smoothStep(-0.7f, 1.0f, (-u - v) / std::max(r, 0.01f) * 0.75f);
-            float glow;
-            if (isInFront) {
-                glow = smoothStep(0.66f, 1.0f, r) * smoothStep(1.06f, 1.0f, r) * sunny * 0.6f;
-            } else {
-                glow = std::exp(-std::max(0.0f, r - 0.97f) * 7.5f) * smoothStep(kAirReach, 1.25f, r) *
-                       (0.36f + 0.64f * sunny);
-            }
-            pixels[static_cast<std::size_t>(y) * kAirSize + x] = static_cast<std::uint8_t>(255 * glow);
-        }
-    }
-    unsigned texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_ALPHA8, kAirSize, kAirSize, 0, GL_ALPHA, GL_UNSIGNED_BYTE, pixels.data());
-    return texture;
-}
+/// How bright the air is at `r` planet radii. Behind the planet it glows outward from the rim; in front of it only a
+/// seam along the rim is left, which also softens the edge of the polygons.
+float airBehind(float r) { return std::exp(-std::max(0.0f, r - 0.97f) * 7.5f) * smoothStep(1.5f, 1.25f, r); }
+float airInFront(float r) { return 0.5f * smoothStep(0.66f, 1.0f, r) * smoothStep(1.05f, 1.0f, r); }
 
 /// A camera that looks at the planet; `centerX` and `centerY` say where the planet stands, from -1 to 1. The shift
 /// happens after the perspective, so the planet stays round wherever it stands.
@@ -87,25 +58,15 @@ void setFlatProjection(int width, int height) {
     glLoadIdentity();
 }
 
-Scene::Scene()
-    : planet(makePlanet()),
-      moon(makeRock(5, 2)),
-      cities(planetCities()),
-      airBehind(makeAir(false)),
-      airInFront(makeAir(true)) {
+Scene::Scene() : planet(makePlanet()), moon(makeRock(5, 2)), cities(planetCities()) {
     for (unsigned seed = 20; seed < 24; ++seed) rockShapes.push_back(makeRock(seed, 1));
     Dice dice(4);
-    for (int i = 0; i < 110; ++i) {
+    for (int i = 0; i < 72; ++i) {
         const float size = dice.next();
         rocks.push_back({dice.next(0, 2 * kPi), dice.next(1.52f, 2.02f), dice.next(-0.035f, 0.035f),
-                         0.010f + 0.030f * size * size * size, dice.next(20, 90),
+                         0.011f + 0.032f * size * size * size, dice.next(20, 90),
                          static_cast<std::size_t>(i) % rockShapes.size()});
     }
-}
-
-Scene::~Scene() {
-    glDeleteTextures(1, &airBehind);
-    glDeleteTextures(1, &airInFront);
 }
 
 void Scene::draw(int width, int height, double seconds) {
@@ -127,7 +88,7 @@ void Scene::draw(int width, int height, double seconds) {
     // The silhouette of a ball is a little larger than its radius over its distance.
     const float radius = 0.5f * h * lens / std::sqrt(kEyeDistance * kEyeDistance - 1);
     const float x = w * (0.5f + 0.5f * centerX), y = h * (0.5f - 0.5f * centerY);
-    drawAir(airBehind, x, y, radius);
+    drawAir(x, y, radius, {airBehind, 0.92f, 1.5f, 10, 0.36f});
     drawWave(x, y, radius, seconds);
 
     setSpaceProjection(width, height, centerX, centerY, lens);
@@ -165,19 +126,25 @@ void Scene::draw(int width, int height, double seconds) {
     setFlatProjection(width, height);
 }
 
-void Scene::drawAir(unsigned texture, float x, float y, float radius) const {
-    const float reach = radius * kAirReach;
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, texture);
+void Scene::drawAir(float x, float y, float radius, const AirProfile& air) const {
+    // Rings of plain colour: several times cheaper on a software rasterizer than a texture of the same size.
+    constexpr int kSegments = 72;
+    const float step = (air.to - air.from) / static_cast<float>(air.rings);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE);
-    glColor4f(0.30f, 0.55f, 1.0f, 0.85f);
-    glBegin(GL_QUADS);
-    glTexCoord2f(0, 0), glVertex2f(x - reach, y - reach);
-    glTexCoord2f(1, 0), glVertex2f(x + reach, y - reach);
-    glTexCoord2f(1, 1), glVertex2f(x + reach, y + reach);
-    glTexCoord2f(0, 1), glVertex2f(x - reach, y + reach);
-    glEnd();
-    glDisable(GL_TEXTURE_2D);
+    for (int ring = 0; ring < air.rings; ++ring) {
+        const float inner = air.from + step * static_cast<float>(ring), outer = inner + step;
+        glBegin(GL_QUAD_STRIP);
+        for (int i = 0; i <= kSegments; ++i) {
+            const float angle = 2 * kPi * static_cast<float>(i) / kSegments;
+            const float c = std::cos(angle), s = std::sin(angle);
+            const float sunny = air.shade + (1 - air.shade) * smoothStep(-0.7f, 1.0f, (-c - s) * 0.75f);
+            glColor4f(0.30f, 0.55f, 1.0f, 0.85f * sunny * air.glow(outer));
+            glVertex2f(x + radius * outer * c, y + radius * outer * s);
+            glColor4f(0.30f, 0.55f, 1.0f, 0.85f * sunny * air.glow(inner));
+            glVertex2f(x + radius * inner * c, y + radius * inner * s);
+        }
+        glEnd();
+    }
 }
 
 void Scene::drawAirInFront(int width, int height, float x, float y, float radius) const {
@@ -191,7 +158,7 @@ void Scene::drawAirInFront(int width, int height, float x, float y, float radius
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     setFlatProjection(width, height);
-    drawAir(airInFront, x, y, radius);
+    drawAir(x, y, radius, {airInFront, 0.66f, 1.05f, 8, 0.0f});
     glMatrixMode(GL_PROJECTION);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);

@@ -12,7 +12,6 @@ namespace demo {
 class Scene {
 public:
     Scene();
-    ~Scene();
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
@@ -23,7 +22,7 @@ public:
     void celebrate(double seconds) { celebratedAt = seconds; }
 
 private:
-    void drawAir(unsigned texture, float x, float y, float radius) const;
+    void drawAir(float x, float y, float radius, const AirProfile& air) const;
     void drawAirInFront(int width, int height, float x, float y, float radius) const;
     void drawWave(float x, float y, float radius, double seconds) const;
     void drawCities(float turn) const;
@@ -40,8 +39,6 @@ private:
     std::vector<Mesh> rockShapes;
     std::vector<Rock> rocks;
     std::vector<Vec3> cities;
-    unsigned airBehind = 0;
-    unsigned airInFront = 0;
     double celebratedAt = -100;
 };
 
