@@ -71,7 +71,7 @@ class ZEMOWebViewWindow final : public IZEMOWebView,
     std::string pendingUrl;
     std::string pendingHtml;
     int32_t displayMode = 0;
-    Core::UniqueHandle closeGate;
+    Core::UniqueKernelHandle closeGate;
     bool isOpen = false;
     std::atomic<bool> isClosed{false};  ///< read on the engine thread when a script's result arrives
     int32_t width = 0;

@@ -58,7 +58,6 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, HMO
 CefHandler::~CefHandler() {
     stopRenderThread();
     renderImpl.reset();
-    CloseHandle(stopEvent);
 }
 
 CefRefPtr<CefBrowser> CefHandler::getBrowser() {
@@ -68,7 +67,7 @@ CefRefPtr<CefBrowser> CefHandler::getBrowser() {
 
 void CefHandler::stopRenderThread() {
     stopped.exchange(true);
-    SetEvent(stopEvent);
+    SetEvent(stopEvent.get());
     if (renderThread.joinable()) renderThread.join();
 }
 

@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/unique_handle.h"
 #include "include/cef_client.h"
 #include "include/cef_task.h"
 #include "render/cef_render_impl.h"
@@ -139,7 +140,7 @@ class CefHandler : public CefClient,
     std::atomic<bool> visible{true};
     std::atomic<bool> closing{false};
     std::atomic<bool> wiggleResize{false};
-    HANDLE stopEvent;  ///< set with `stopped`: ends the render thread's wait
+    Core::UniqueKernelHandle stopEvent;  ///< set with `stopped`: ends the render thread's wait
 
     // Engine thread.
     int wiggleCount = 10;

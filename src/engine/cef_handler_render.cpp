@@ -53,7 +53,7 @@ void CefHandler::renderThreadMain() {
 
 // Waits the rest of the cycle, or less when the view ends; false then.
 bool CefHandler::waitForNextCycle() {
-    WaitForSingleObject(stopEvent, static_cast<DWORD>(kRenderCycle.count()));
+    WaitForSingleObject(stopEvent.get(), static_cast<DWORD>(kRenderCycle.count()));
     return !stopped;
 }
 

@@ -21,7 +21,7 @@ std::error_code systemError(DWORD code) { return {static_cast<int>(code), std::s
 
 std::set<unsigned long> runningProcessIds() {
     std::set<unsigned long> ids;
-    Core::UniqueFile snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    Core::UniqueFileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     if (!snapshot) return ids;
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;

@@ -30,7 +30,9 @@ TEST(SpecialUrl, Table_SchemeAndHostDecideInAnyCase) {
         std::string status;
         EXPECT_EQ(classifySpecialUrl(each.url, each.gameStatus, use, status), each.result) << each.url;
         EXPECT_EQ(use, each.use) << each.url;
-        if (each.result == SpecialUrl::GamePadInit) EXPECT_EQ(status, each.gameStatus);
+        if (each.result == SpecialUrl::GamePadInit) {
+            EXPECT_EQ(status, each.gameStatus);
+        }
     }
 }
 
