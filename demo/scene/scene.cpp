@@ -17,7 +17,7 @@ constexpr Vec3 kSun{-0.62f, 0.48f, 0.62f};
 /// How bright the air is at `r` planet radii. Behind the planet it glows outward from the rim; in front of it only a
 /// seam along the rim is left, which also softens the edge of the polygons.
 float airBehind(float r) { return std::exp(-std::max(0.0f, r - 0.97f) * 7.5f) * smoothStep(1.5f, 1.25f, r); }
-float airInFront(float r) { return 0.5f * smoothStep(0.66f, 1.0f, r) * smoothStep(1.05f, 1.0f, r); }
+float airInFront(float r) { return 0.5f * smoothStep(0.66f, 1.0f, r) * smoothStep(1.02f, 0.99f, r); }
 
 /// A camera that looks at the planet; `centerX` and `centerY` say where the planet stands, from -1 to 1. The shift
 /// happens after the perspective, so the planet stays round wherever it stands.
@@ -158,7 +158,7 @@ void Scene::drawAirInFront(int width, int height, float x, float y, float radius
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     setFlatProjection(width, height);
-    drawAir(x, y, radius, {airInFront, 0.66f, 1.05f, 8, 0.0f});
+    drawAir(x, y, radius, {airInFront, 0.66f, 1.02f, 8, 0.0f});
     glMatrixMode(GL_PROJECTION);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);

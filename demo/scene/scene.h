@@ -22,6 +22,14 @@ public:
     void celebrate(double seconds) { celebratedAt = seconds; }
 
 private:
+    /// A glow around the planet: brightness by distance from its middle, in planet radii.
+    struct AirProfile {
+        float (*glow)(float distance);
+        float from, to;
+        int rings;
+        float shade;  // what the night side keeps of it
+    };
+
     void drawAir(float x, float y, float radius, const AirProfile& air) const;
     void drawAirInFront(int width, int height, float x, float y, float radius) const;
     void drawWave(float x, float y, float radius, double seconds) const;
