@@ -11,7 +11,7 @@ namespace ZEMO::UI {
 /// event: 1 selection changed (a, b: its range), 2 composition cancelled, 3 password field focused (a: 1) or left (0).
 using ImeEventCallback = void (*)(int event, int browserId, int a, int b);
 /// Rectangles in screen pixels, one a character; null with a count of 0.
-using ImeCompositionBoundsCallback = void (*)(int browserId, const Rect* rects, uint32_t count);
+using ImeCompositionBoundsCallback = void (*)(int browserId, const void* rects, uint32_t count);
 
 /// Set once the engine has reported ready; only then does unloading stop it.
 bool isEngineStarted();
