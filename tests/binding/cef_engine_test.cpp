@@ -220,7 +220,7 @@ void expectNothingLeft() {
 }
 
 TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
-    TemporaryDirectory cache;
+    CacheDirectory cache(L"served");
     CefRefPtr<Client> client = new Client;
     CefRefPtr<TestFactory> factory = new TestFactory;
     std::string cookies;
@@ -277,7 +277,7 @@ TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
 }
 
 TEST(CefEngine, MessagesAndScripts_CrossBothWaysAndLeaveNothingBehind) {
-    TemporaryDirectory cache;
+    CacheDirectory cache(L"messages");
     CefRefPtr<Client> client = new Client;
     bool sent = false;
     std::string log;

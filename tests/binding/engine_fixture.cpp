@@ -45,14 +45,8 @@ bool waitUntil(const std::function<bool()>& done, int timeoutMs) {
     return true;
 }
 
-TemporaryDirectory::TemporaryDirectory() {
-    const auto name = L"zemo_cef_" + std::to_wstring(GetCurrentProcessId()) + L"_" + std::to_wstring(GetTickCount64());
-    path_ = (std::filesystem::temp_directory_path() / name).wstring();
-    std::filesystem::create_directories(path_);
-}
-
-// Not remove_all: it never returns where a file can not be removed yet, as under Wine while the engine lets go of it.
-TemporaryDirectory::~TemporaryDirectory() {
+// Emptied file by file: remove_all never returns under Wine while something below can not be removed.
+CacheDirectory::CacheDirectory(const std::wstring& name) : path_(programDirectory() + L"\\test_cache\\" + name) {
     const bool removed = waitUntil(
         [this] {
             std::error_code error;
@@ -65,7 +59,8 @@ TemporaryDirectory::~TemporaryDirectory() {
             return !std::filesystem::exists(path_, error);
         },
         5000);
-    EXPECT_TRUE(removed) << "the cache directory is still in use";
+    EXPECT_TRUE(removed) << "the cache directory is in use";
+    std::filesystem::create_directories(path_);
 }
 
 bool runEngine(CefRefPtr<CefApp> app, const std::wstring& childProgram, const std::wstring& cache,

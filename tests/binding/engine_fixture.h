@@ -34,11 +34,11 @@ int childProcesses();
 /// Polls until `done`; false after `timeoutMs`.
 bool waitUntil(const std::function<bool()>& done, int timeoutMs);
 
-/// A fresh directory, removed at the end together with what the engine put there.
-class TemporaryDirectory {
+/// An empty cache directory beside the program.  It is emptied before use, not after: the engine keeps some of its files
+/// open until the process ends.
+class CacheDirectory {
 public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
+    explicit CacheDirectory(const std::wstring& name);
     const std::wstring& path() const { return path_; }
 
 private:
