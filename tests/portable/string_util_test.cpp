@@ -4,7 +4,7 @@
 
 #include <cctype>
 #include <climits>
-#include <clocale>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <set>
@@ -302,7 +302,9 @@ TEST(RandomText, Uuid_SixtyEightCharactersInFiveGroups) {
     for (size_t i = 0; i < uuid.size(); ++i) {
         const bool hyphen = i == 16 || i == 25 || i == 34 || i == 43;
         EXPECT_EQ(uuid[i] == '-', hyphen) << i << " of " << uuid;
-        if (!hyphen) EXPECT_NE(std::strchr("0123456789abcdef", uuid[i]), nullptr) << uuid;
+        if (!hyphen) {
+            EXPECT_NE(std::strchr("0123456789abcdef", uuid[i]), nullptr) << uuid;
+        }
     }
     EXPECT_NE(uuid, StringUtil::generateUUID());
 }
