@@ -1,0 +1,2 @@
+zemo_test_helper(stand_in_browser stand_in_browser.cpp)
+target_link_options(stand_in_browser PRIVATE -municode)
