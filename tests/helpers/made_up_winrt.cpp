@@ -18,6 +18,7 @@ enum DayOfWeek : int;
 //   MADE_UP_FACTORY_HR, MADE_UP_AD_HR, MADE_UP_COUNTRY_HR, MADE_UP_LANGUAGE_HR   failing codes in hexadecimal
 //   MADE_UP_AD, MADE_UP_COUNTRY, MADE_UP_LANGUAGES (between commas)              answers
 //   MADE_UP_TOLD                                                                 what a failing AdvertisingId tells
+//   MADE_UP_ACTIVATIONS                                                          counts the factories asked for
 //   MADE_UP_BOUND                                                                set: factories are not agile
 MIDL_INTERFACE("82BA7092-4C88-427D-A7BC-16DD93FEB67E")
 IToldError : public IUnknown {
@@ -31,8 +32,6 @@ namespace {
 using namespace ABI::Windows::Globalization;
 using namespace ABI::Windows::System::UserProfile;
 using Strings = ABI::Windows::Foundation::Collections::IVectorView<HSTRING>;
-
-std::atomic<int> activations{0};
 
 std::wstring setting(const wchar_t* name) {
     wchar_t text[1024] = {};
@@ -224,7 +223,9 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE get_HomeGeographicRegion(HSTRING*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE get_WeekStartsOn(ABI::Windows::System::UserProfile::DayOfWeek*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE get_WeekStartsOn(ABI::Windows::System::UserProfile::DayOfWeek*) override {
+        return E_NOTIMPL;
+    }
 };
 
 class Languages : public Tear<ILanguageFactory> {
@@ -267,12 +268,13 @@ private:
 }  // namespace
 
 extern "C" __declspec(dllexport) HRESULT WINAPI DllGetActivationFactory(HSTRING, IActivationFactory** out) {
-    ++activations;
+    // Counted in the environment: after a failure the system may unload this server.
+    SetEnvironmentVariableW(
+        L"MADE_UP_ACTIVATIONS",
+        std::to_wstring(std::wcstol(setting(L"MADE_UP_ACTIVATIONS").c_str(), nullptr, 10) + 1).c_str());
     *out = nullptr;
     const HRESULT failed = failure(L"MADE_UP_FACTORY_HR");
     if (FAILED(failed)) return failed;
     *out = new Factory;
     return S_OK;
 }
-
-extern "C" __declspec(dllexport) int madeUpActivations() { return activations; }

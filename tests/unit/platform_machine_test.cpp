@@ -170,7 +170,7 @@ TEST(PlatformText, ValidText_GoesBothWays) {
 }
 
 TEST(PlatformText, LoneSurrogate_RaisesRangeError) {
-    EXPECT_THROW(ZEMO::Core::wideToUtf8(L"a\xD83D"), std::range_error);
+    EXPECT_THROW(ZEMO::Core::wideToUtf8(L"a\xD83D"), std::range_error);  // at the end
     EXPECT_THROW(ZEMO::Core::wideToUtf8(L"\xD83Dz"), std::range_error);
 }
 

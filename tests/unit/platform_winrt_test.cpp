@@ -24,6 +24,12 @@ std::string narrow(const wchar_t* text) {
     return result;
 }
 
+std::string usersRegion() {
+    wchar_t region[16] = {};
+    GetGeoInfoW(GetUserGeoID(GEOCLASS_NATION), GEO_ISO2, region, 16, 0);
+    return narrow(region);
+}
+
 TEST(PlatformLanguage, ComparedWithUsersLocale_SameTag) {
     wchar_t locale[LOCALE_NAME_MAX_LENGTH] = {};
     ASSERT_GT(GetUserDefaultLocaleName(locale, LOCALE_NAME_MAX_LENGTH), 0);
@@ -31,9 +37,8 @@ TEST(PlatformLanguage, ComparedWithUsersLocale_SameTag) {
 }
 
 TEST(PlatformCountry, ComparedWithUsersRegion_SameCode) {
-    wchar_t region[16] = {};
-    ASSERT_GT(GetGeoInfoW(GetUserGeoID(GEOCLASS_NATION), GEO_ISO2, region, 16, 0), 0);
-    EXPECT_EQ(ZEMO::Platform::Misc::getCountry(), narrow(region));
+    ASSERT_EQ(usersRegion().size(), 2u);
+    EXPECT_EQ(ZEMO::Platform::Misc::getCountry(), usersRegion());
 }
 
 TEST(PlatformAdvertising, RealClass_LimitedExactlyWhenEmpty) {
@@ -139,12 +144,23 @@ TEST_F(PlatformRuntime, ActivationFails_RaisesAndIsTriedAtEachCall) {
                                    "activations 2", "getAdvertisingId value now", "activations 3", "done"));
 }
 
-TEST_F(PlatformRuntime, NoSuchClass_RaisesFromEachFunction) {
-    for (const wchar_t* function : {L"getAdvertisingId", L"getIsLimitAdTracking", L"getCountry", L"getLanguage"}) {
+TEST_F(PlatformRuntime, NoSuchClass_Raises) {
+    machine_.addKey(LR"(Software\Microsoft\WindowsRuntime\ActivatableClassId)");
+    for (const wchar_t* function : {L"getAdvertisingId", L"getIsLimitAdTracking", L"getLanguage"}) {
         const std::wstring call = std::wstring(L"call=") + function;
         const std::string expected = narrow(function) + " raised hresult_class_not_registered 80040154";
         EXPECT_THAT(probe({call, call}), ElementsAre(StartsWith(expected), StartsWith(expected), "done"));
     }
+}
+
+TEST_F(PlatformRuntime, RegistrationUnreadable_RaisesItsCode) {
+    EXPECT_THAT(probe({L"call=getLanguage"}),
+                ElementsAre(StartsWith("getLanguage raised hresult_error 80040150"), "done"));
+}
+
+// The system has a Windows.Globalization.dll, which serves the class without any registration.
+TEST_F(PlatformRuntime, ClassNotRegistered_LibraryNamedAfterItServes) {
+    EXPECT_THAT(probe({L"call=getCountry"}), ElementsAre("getCountry value " + usersRegion(), "done"));
 }
 
 TEST_F(PlatformRuntime, GetterFails_RaisesTheCodesClass) {
