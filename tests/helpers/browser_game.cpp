@@ -57,6 +57,10 @@ public:
     void openBrowser(const std::string& url) const { openBrowser_(ZEMO::Core::URL(url)); }
     void setCallback(std::function<bool(const std::string&)> callback) const { setCallback_(std::move(callback)); }
     void free() const { require(FreeLibrary(module_), "library not freed"); }
+    /// Gives up every reference there may be: other parts of the process may have taken some by the way.
+    void freeAll() const {
+        for (int i = 0; i < 64 && isLoaded(); ++i) FreeLibrary(module_);
+    }
     static bool isLoaded() { return GetModuleHandleW(L"ZEMOUIFramework.dll") != nullptr; }
 
 private:
@@ -153,7 +157,7 @@ int leave(const std::string& way, bool isHeld) {
         Sleep(INFINITE);
     }
     if (way == "FreeLibrary" || way == "FreeLibrary-ExitProcess") {
-        library.free();
+        library.freeAll();
         require(Library::isLoaded(), "library unmapped under its own thread");
         require(isHeld || isServing(), "responder does not answer after FreeLibrary");
         announceLeaving();
