@@ -92,13 +92,7 @@ public:
     ~URL() override;
 
 private:
-    using Formatter = std::string (*)(const std::string& text);
-
-    void parse(std::string_view window);
-    void parseQuery(std::string_view query);
-    std::string join(Formatter format) const;
-    void appendPath(std::string& result, Formatter format) const;
-    void appendQuery(std::string& result, Formatter format) const;
+    friend struct UrlText;  ///< the library's parser and joiner
 
     std::string scheme;
     std::string host;

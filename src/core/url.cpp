@@ -17,6 +17,7 @@ constexpr std::array<bool, 256> kIsUnreserved = [] {
 }();
 
 // The two ways to join a URL. Plain functions: they work in any static constructor and destructor.
+using Formatter = std::string (*)(const std::string& text);
 std::string rawFormatter(const std::string& text) { return text; }
 
 std::string percentEncoder(const std::string& text) {
@@ -36,6 +37,15 @@ std::string percentEncoder(const std::string& text) {
         }
     }
     return result;
+}
+
+// Without the copy that the raw formatter would make.
+void appendFormatted(std::string& result, const std::string& text, Formatter format) {
+    if (format == rawFormatter) {
+        result += text;
+    } else {
+        result += format(text);
+    }
 }
 
 // Digits and letters of either case give their hexadecimal value once `digitZero` and `letterZero` are taken off; any
@@ -71,26 +81,28 @@ std::string percentDecode(const std::string& text) {
 
 }  // namespace
 
-IURL::~IURL() = default;
-URL::~URL() = default;
-URL::URL(const URL&) = default;
-URL& URL::operator=(const URL&) = default;
-
-URL::URL(const std::string& url) { parse(url); }
+// What reaches into a URL's fields. A class of its own, so that only the public operations leave the library.
+struct UrlText {
+    static void parse(URL& url, std::string_view window);
+    static void parseQuery(URL& url, std::string_view query);
+    static std::string join(const URL& url, Formatter format);
+    static void appendPath(std::string& result, const URL& url, Formatter format);
+    static void appendQuery(std::string& result, const URL& url, Formatter format);
+};
 
 // Works on a window that shrinks from the right (fragment, query), then from the left (scheme). Each search takes the
 // first hit in what is left: a colon in the path counts for the scheme where none comes before it.
-void URL::parse(std::string_view window) {
+void UrlText::parse(URL& url, std::string_view window) {
     if (const size_t hash = window.find('#'); hash != std::string_view::npos) {
-        fragment = window.substr(hash + 1);
+        url.fragment = window.substr(hash + 1);
         window = window.substr(0, hash);
     }
     if (const size_t question = window.find('?'); question != std::string_view::npos) {
-        parseQuery(window.substr(question + 1));
+        parseQuery(url, window.substr(question + 1));
         window = window.substr(0, question);
     }
     if (const size_t colon = window.find(':'); colon != std::string_view::npos) {
-        scheme = window.substr(0, colon);
+        url.scheme = window.substr(0, colon);
         window = window.substr(colon + 1);
         if (window.starts_with("//")) window.remove_prefix(2);
     }
@@ -98,14 +110,14 @@ void URL::parse(std::string_view window) {
     if (const size_t slash = window.find('/'); slash != std::string_view::npos) {
         authority = window.substr(0, slash);
         const std::string_view path = window.substr(slash + 1);
-        if (!path.empty()) pathSegments = StringUtil::splitString(std::string(path), '/');
+        if (!path.empty()) url.pathSegments = StringUtil::splitString(std::string(path), '/');
     }
     const size_t colon = authority.find(':');
-    host = authority.substr(0, colon);
-    if (colon != std::string_view::npos) port = authority.substr(colon + 1);
+    url.host = authority.substr(0, colon);
+    if (colon != std::string_view::npos) url.port = authority.substr(colon + 1);
 }
 
-void URL::parseQuery(std::string_view query) {
+void UrlText::parseQuery(URL& url, std::string_view query) {
     for (std::string_view left = query; !left.empty();) {
         const size_t ampersand = left.find('&');
         const std::string_view piece = left.substr(0, ampersand);
@@ -113,16 +125,16 @@ void URL::parseQuery(std::string_view query) {
 
         const size_t equals = piece.find('=');
         if (equals == std::string_view::npos || equals == 0 || equals + 1 == piece.size()) continue;
-        queryParameters.try_emplace(std::string(piece.substr(0, equals)), piece.substr(equals + 1));
+        url.queryParameters.try_emplace(std::string(piece.substr(0, equals)), piece.substr(equals + 1));
     }
-    if (queryParameters.empty()) rawQuery = query;
+    if (url.queryParameters.empty()) url.rawQuery = query;
 }
 
 // Goes through the virtual getters where there is one, so that a derived class that answers otherwise is heard.
-std::string URL::join(Formatter format) const {
-    const std::string hostText = format(getHost());
-    const std::string portText = getPort();
-    std::string result = format(getScheme());
+std::string UrlText::join(const URL& url, Formatter format) {
+    const std::string hostText = format(url.getHost());
+    const std::string portText = url.getPort();
+    std::string result = format(url.getScheme());
     if (!result.empty()) {
         const bool slashes = !hostText.empty() || result == "file";
         result += slashes ? "://" : ":";
@@ -132,47 +144,55 @@ std::string URL::join(Formatter format) const {
         result += ':';
         result += portText;
     }
-    appendPath(result, format);
-    if (!getQuery().empty()) {
+    appendPath(result, url, format);
+    if (const size_t querySize = url.getQuery().size(); querySize != 0) {
+        result.reserve(result.size() + querySize + 1);
         result += '?';
-        appendQuery(result, format);
+        appendQuery(result, url, format);
     }
-    if (const std::string fragmentText = format(getFragment()); !fragmentText.empty()) {
+    if (const std::string fragmentText = format(url.getFragment()); !fragmentText.empty()) {
         result += '#';
         result += fragmentText;
     }
     return result;
 }
 
-void URL::appendPath(std::string& result, Formatter format) const {
-    for (const std::string& segment : pathSegments) {
+void UrlText::appendPath(std::string& result, const URL& url, Formatter format) {
+    for (const std::string& segment : url.pathSegments) {
         result += '/';
-        result += format(segment);
+        appendFormatted(result, segment, format);
     }
 }
 
-void URL::appendQuery(std::string& result, Formatter format) const {
-    if (queryParameters.empty()) {
-        result += rawQuery;
+void UrlText::appendQuery(std::string& result, const URL& url, Formatter format) {
+    if (url.queryParameters.empty()) {
+        result += url.rawQuery;
         return;
     }
     bool first = true;
-    for (const auto& [key, value] : queryParameters) {
+    for (const auto& [key, value] : url.queryParameters) {
         if (!first) result += '&';
         first = false;
-        result += format(key);
+        appendFormatted(result, key, format);
         result += '=';
-        result += format(value);
+        appendFormatted(result, value, format);
     }
 }
+
+IURL::~IURL() = default;
+URL::~URL() = default;
+URL::URL(const URL&) = default;
+URL& URL::operator=(const URL&) = default;
+
+URL::URL(const std::string& url) { UrlText::parse(*this, url); }
 
 bool URL::isEqual(const std::string& other) const { return getUrl() == other; }
 bool URL::isEqual(std::string_view other) const { return getUrl() == other; }
 bool URL::isEqual(const IURL& other) const { return percentDecode(other.getUrl()) == percentDecode(getUrl()); }
 
-std::string URL::getUrl() const { return join(rawFormatter); }
+std::string URL::getUrl() const { return UrlText::join(*this, rawFormatter); }
 std::string URL::toString() const { return getUrl(); }
-std::string URL::toEncodedString() const { return join(percentEncoder); }
+std::string URL::toEncodedString() const { return UrlText::join(*this, percentEncoder); }
 
 std::string URL::getScheme() const { return scheme; }
 std::string URL::getHost() const { return host; }
@@ -182,13 +202,13 @@ std::map<std::string, std::string> URL::getQueryParameters() const { return quer
 
 std::string URL::getPath() const {
     std::string result;
-    appendPath(result, rawFormatter);
+    UrlText::appendPath(result, *this, rawFormatter);
     return result;
 }
 
 std::string URL::getQuery() const {
     std::string result;
-    appendQuery(result, rawFormatter);
+    UrlText::appendQuery(result, *this, rawFormatter);
     return result;
 }
 

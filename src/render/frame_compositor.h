@@ -46,10 +46,12 @@ public:
     /// Throws std::bad_function_call without a sink.
     void clearFrame();
 
-    /// Before the first frame. `rgba` holds width * height * 4 bytes; anything else empties the image, and no icon is drawn.
+    /// Before the first frame. `rgba` holds width * height * 4 bytes; anything else empties the image, and no icon is
+    /// drawn.
     void setCloseImage(std::vector<uint8_t> rgba, int width, int height);
 
-    /// Before the first frame. Side of the icon's square and its distance from the top and right edges, device pixels. 0 draws no icon.
+    /// Before the first frame. Side of the icon's square and its distance from the top and right edges, device pixels.
+    /// 0 draws no icon.
     void setCloseMetrics(int size, int margin);
 
 private:
