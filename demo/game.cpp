@@ -176,7 +176,7 @@ void Game::updateHud() {
     hudText.title = L"OUTPOST";
     hudText.status = format(L"Credits %d", credits);
     hudText.figures = format(L"game %.0f fps", gameRate);
-    if (options.mode == Mode::callback && update.isVisible) {
+    if (options.mode == Mode::callback && update.isVisible && isShown) {
         hudText.figures += format(L"    page %d x %d, %.0f fps", image.width, image.height, pageRate);
     }
     hudText.keys = isShown ? L"F10  hide the page" : L"F10  show the page    F12  save pictures    Esc  leave";
