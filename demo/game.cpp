@@ -138,6 +138,9 @@ void Game::handlePageEvents() {
         if (event.kind == PageEvent::Kind::completed) tellPage();
         if (event.kind == PageEvent::Kind::failed) std::printf("page %d: load error %d\n", event.page, event.error);
         if (event.kind == PageEvent::Kind::command && isTop) handleCommand(event.text);
+        // The user closed the view's own window: what is left is an empty view.
+        const bool isWindowGone = event.kind == PageEvent::Kind::closed && options.mode == Mode::window;
+        if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
         if (event.kind == PageEvent::Kind::closeRequested && isTop) closeTopPage();
         if (onPageEvent) onPageEvent(event);
     }
