@@ -5,10 +5,11 @@
 //    it could not wait there, since a thread's end needs the loader's lock that an unload holds.
 // 2. A return from main, exit or ExitProcess on any thread first ends every other thread, the worker too, whatever it
 //    waits in (select, or recv of a client that sends nothing). Its handle is signalled from then on.
-// 3. Only then are the module's static objects destroyed, still under the loader's lock: running goes false, the join
-//    finds a thread that has ended and returns at once, the listening socket is closed, Winsock is given back (its
-//    library goes after this one, because this one imports it), requests are destroyed. No mutex is taken on this way,
-//    because a thread that was ended may have held it.
+// 3. Only then are the module's static objects destroyed, still under the loader's lock: running goes false, the worker
+// has
+//    nothing left to be joined and its thread object is let go unwaited (the thread library's own locks may have been
+//    held by a thread that was ended, as may requestsMutex, which is not taken either), the listening socket is closed,
+//    Winsock is given back (its library goes after this one, because this one imports it), requests are destroyed.
 // 4. TerminateProcess runs none of this; the system closes the socket.
 //
 // An instance of a test, or one linked into a program without the library, is destroyed with its worker alive: the join
@@ -20,10 +21,14 @@
 #include <shellapi.h>
 
 #include <chrono>
+#include <cstddef>
+#include <new>
 #include <random>
+#include <utility>
 
 #include "browser/loopback_request.h"
 #include "browser/module_pin.h"
+#include "core/process_end.h"
 #include "core/singleton.h"
 
 namespace ZEMO::UI {
@@ -35,6 +40,12 @@ constexpr long kSelectTimeoutMicroseconds = 100000;
 std::int64_t nowInTicks() {
     using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
     return std::chrono::duration_cast<Ticks>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+// Keeps the object of a thread that the system has ended: neither joined nor destroyed.
+void abandon(std::thread ended) {
+    alignas(std::thread) static std::byte kept[sizeof(std::thread)];
+    new (kept) std::thread(std::move(ended));
 }
 
 }  // namespace
@@ -51,7 +62,11 @@ LoopbackHttpManager::LoopbackHttpManager() : readyFuture(readyPromise.get_future
 
 LoopbackHttpManager::~LoopbackHttpManager() {
     running = false;
-    if (workerThread.joinable()) workerThread.join();
+    if (Core::isProcessEnding()) {
+        abandon(std::move(workerThread));
+    } else if (workerThread.joinable()) {
+        workerThread.join();
+    }
     if (listenSocket != 0) {
         closesocket(listenSocket);
         listenSocket = 0;

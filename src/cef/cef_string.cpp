@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "binding_functions.h"
 
@@ -63,11 +64,11 @@ CefString::CefString(const CefString& other) { assignCopy(own_, other.c_str(), o
 CefString::CefString(CefString&& other) noexcept {
     if (other.string_ == &other.own_) {
         std::swap(own_, other.own_);
+    } else if (other.owner_) {
+        string_ = std::exchange(other.string_, &other.own_);
+        owner_ = std::exchange(other.owner_, false);
     } else {
-        std::swap(string_, other.string_);
-        std::swap(readOnly_, other.readOnly_);
-        std::swap(owner_, other.owner_);
-        other.string_ = &other.own_;
+        assignCopy(own_, other.c_str(), other.length());  // the structure may not live as long as this string
     }
 }
 

@@ -10,9 +10,7 @@
 namespace {
 
 std::mutex loadMutex;
-bool loadTried = false;
 bool loaded = false;
-std::string loadFailure;
 
 std::string utf8(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
@@ -33,25 +31,33 @@ std::wstring longPath(std::wstring path) {
     return L"\\\\?\\" + path;
 }
 
-bool load(const std::wstring& directory) {
+bool load(const std::wstring& directory, std::string& failure) {
+    const bool absolute = directory.starts_with(L"\\\\") || (directory.size() > 2 && directory[1] == L':' &&
+                                                           (directory[2] == L'\\' || directory[2] == L'/'));
+    if (!absolute) {
+        failure = "the engine's directory \"" + utf8(directory) + "\" is not an absolute path";
+        return false;
+    }
     std::wstring file = directory;
     if (!file.empty() && file.back() != L'\\' && file.back() != L'/') file += L'\\';
     file = longPath(file + L"libcef.dll");
     // The altered search path looks for what libcef itself imports (chrome_elf.dll) beside it, not beside the program.
     const HMODULE module = LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (!module) {
-        loadFailure = "loading " + utf8(file) + " failed with error " + std::to_string(GetLastError());
+        const DWORD error = GetLastError();
+        failure = "loading " + utf8(file) + " failed with error " + std::to_string(error);
         return false;
     }
     HMODULE pinned = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                             reinterpret_cast<const wchar_t*>(module), &pinned)) {
-        loadFailure = "keeping " + utf8(file) + " loaded failed with error " + std::to_string(GetLastError());
+        const DWORD error = GetLastError();
+        failure = "keeping " + utf8(file) + " loaded failed with error " + std::to_string(error);
         return false;
     }
     std::string missing;
     if (!cef_binding::resolveFunctions(module, missing)) {
-        loadFailure = utf8(file) + " has no " + missing;
+        failure = utf8(file) + " has no " + missing;
         return false;
     }
     return true;
@@ -67,11 +73,9 @@ std::string versionText(int major, int minor, int patch, int chromeMajor, int ch
 
 bool cefLoadLibrary(const wchar_t* directory, std::string* reason) {
     std::lock_guard lock(loadMutex);
-    if (!loadTried) {
-        loadTried = true;
-        loaded = load(directory ? directory : L"");
-    }
-    if (!loaded && reason) *reason = loadFailure;
+    std::string failure;
+    if (!loaded) loaded = load(directory ? directory : L"", failure);
+    if (!loaded && reason) *reason = failure;
     return loaded;
 }
 

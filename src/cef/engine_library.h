@@ -7,7 +7,7 @@
 // still running).
 
 /// Loads libcef.dll from `directory` (absolute) and resolves every function the binding calls.  Call it before any
-/// other operation of the engine; any thread; a second call answers what the first one did.
+/// other operation of the engine; any thread; once it has answered true it does nothing more.
 /// False with a sentence in `reason` when the file or one of its exports is missing.  Until it has answered true every
 /// global function of the engine does nothing and answers 0, false, null or an empty string.
 bool cefLoadLibrary(const wchar_t* directory, std::string* reason = nullptr);

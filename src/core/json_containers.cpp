@@ -29,9 +29,8 @@ JsonArrayContainer& JsonArrayContainer::operator=(const JsonArrayContainer& othe
     return *this;
 }
 
-// The source's values are out of reach before this container's own go: it may be one of them.
+// The source's values are out of reach before this container's own go: it may be one of them, or this very array.
 JsonArrayContainer& JsonArrayContainer::operator=(JsonArrayContainer&& other) noexcept {
-    if (this == &other) return *this;
     auto taken = std::exchange(other.values, {});
     values.swap(taken);
     return *this;

@@ -55,7 +55,7 @@ std::wstring resolveModuleRelativePath(const std::wstring& relativePath) {
         return {};
     }
     try {
-        return (std::filesystem::path(directory) / relativePath).lexically_normal().make_preferred().wstring();
+        return (std::filesystem::path(directory) / relativePath).lexically_normal().wstring();
     } catch (...) {
         return {};
     }

@@ -128,7 +128,11 @@ bool sameLetters(std::string_view a, std::string_view b) {
                       [](char x, char y) { return x == y || std::tolower(toByte(x)) == std::tolower(toByte(y)); });
 }
 
-bool isSpace(char c) { return std::isspace(toByte(c)) != 0; }
+// The answer for ASCII is the same in every locale; only the other bytes are worth a call.
+bool isSpace(char c) {
+    const unsigned char byte = toByte(c);
+    return byte < 0x80 ? byte == ' ' || (byte >= '\t' && byte <= '\r') : std::isspace(byte) != 0;
+}
 
 }  // namespace
 

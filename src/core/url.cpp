@@ -39,6 +39,15 @@ std::string percentEncoder(const std::string& text) {
     return result;
 }
 
+// Without the copy that the raw formatter would make.
+void appendFormatted(std::string& result, const std::string& text, Formatter format) {
+    if (format == rawFormatter) {
+        result += text;
+    } else {
+        result += format(text);
+    }
+}
+
 // Digits and letters of either case give their hexadecimal value once `digitZero` and `letterZero` are taken off; any
 // other byte gives what the same sum makes of it. Modulo 256 the offsets of the high digit vanish apart from the 7.
 constexpr int escapeDigit(char c, int digitZero, int letterZero) {
@@ -136,7 +145,8 @@ std::string UrlText::join(const URL& url, Formatter format) {
         result += portText;
     }
     appendPath(result, url, format);
-    if (!url.getQuery().empty()) {
+    if (const size_t querySize = url.getQuery().size(); querySize != 0) {
+        result.reserve(result.size() + querySize + 1);
         result += '?';
         appendQuery(result, url, format);
     }
@@ -150,7 +160,7 @@ std::string UrlText::join(const URL& url, Formatter format) {
 void UrlText::appendPath(std::string& result, const URL& url, Formatter format) {
     for (const std::string& segment : url.pathSegments) {
         result += '/';
-        result += format(segment);
+        appendFormatted(result, segment, format);
     }
 }
 
@@ -163,9 +173,9 @@ void UrlText::appendQuery(std::string& result, const URL& url, Formatter format)
     for (const auto& [key, value] : url.queryParameters) {
         if (!first) result += '&';
         first = false;
-        result += format(key);
+        appendFormatted(result, key, format);
         result += '=';
-        result += format(value);
+        appendFormatted(result, value, format);
     }
 }
 

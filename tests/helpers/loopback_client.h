@@ -25,6 +25,10 @@ public:
         inet_pton(AF_INET, host, &address.sin_addr);
         if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) fail("connect");
         setReceiveTimeout(30000);
+        // Wine may not wake a blocked send when the peer resets
+        const DWORD sendTimeoutMs = 5000;
+        setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, reinterpret_cast<const char*>(&sendTimeoutMs),
+                   sizeof(sendTimeoutMs));
     }
     ~LoopbackClient() {
         if (socket_ != INVALID_SOCKET) closesocket(socket_);

@@ -191,7 +191,12 @@ RecordingLayer::RecordingLayer(const Options& o, std::shared_ptr<Journal> journa
 
 RecordingLayer::~RecordingLayer() { journal->add(text("destroyed on thread %lu", GetCurrentThreadId())); }
 
-void RecordingLayer::note(std::string line) { journal->add(std::move(line)); }
+void RecordingLayer::note(std::string line) {
+    if (listener)
+        listener(line);
+    else
+        journal->add(std::move(line));
+}
 
 void RecordingLayer::setVisible(bool show, bool keepHookFrame) { note(text("setVisible(%d,%d)", show, keepHookFrame)); }
 void RecordingLayer::sendImeCommand(uint32_t kind, const std::u16string* string, const uint32_t* repeatCount) {

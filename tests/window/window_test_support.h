@@ -139,9 +139,14 @@ public:
     void onExternalScript(const std::string& payload) override;
     void onExternalText(const std::string& text) override;
 
+protected:
+    /// Takes each line in place of the journal. In the derived class's constructor.
+    void setListener(std::function<void(const std::string&)> newListener) { listener = std::move(newListener); }
+
 private:
     void note(std::string line);
     std::shared_ptr<Journal> journal;
+    std::function<void(const std::string&)> listener;
 };
 
 std::string text(const char* format, ...) __attribute__((format(gnu_printf, 1, 2)));

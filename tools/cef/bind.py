@@ -337,9 +337,27 @@ def emit(description, interface, generator):
             continue
         parameter = f'const CefRefPtr<{cls.name}>&' if cls.side == 'engine' else f'CefRefPtr<{cls.name}>'
         traits += ['template <>', f'struct Binding<{cls.name}> {{', f'    typedef {cls.c_type} C;',
+                   f'    static constexpr bool kFromEngine = {"true" if cls.side == "engine" else "false"};',
                    f'    static CefRefPtr<{cls.name}> take({cls.c_type}* c);',
                    f'    static {cls.c_type}* give({parameter} object);', '};']
     traits += closing
+
+    # Every crossing by name, for tests that go through all of them.
+    members = ['#pragma once'] + head + ['// X(class, C member)', '#define ZEMO_CEF_CLIENT_CALLBACKS(X) \\']
+    members += [f'    X({cls.name}, {m.capi}) \\' for cls in classes if cls.side == 'client' for m in cls.methods]
+    members += ['', '// X(class, type of the C++ operation, its name, C class, C member)', '#define ZEMO_CEF_ENGINE_CALLS(X) \\']
+    for cls in classes:
+        if cls.side == 'engine':
+            for m in cls.methods:
+                if not m.static:
+                    kinds = ', '.join(binder.qualified(p.kind, cls) for p in m.parameters)
+                    members.append(f'    X({cls.name}, ({binder.qualified(m.result, cls)} ({cls.name}::*)({kinds})), {m.name}, '
+                                   f'{cls.c_type}, {m.capi}) \\')
+    members += ['', '// X(C++ function, C function)', '#define ZEMO_CEF_FUNCTIONS(X) \\']
+    members += [f'    X({m}, {cls.stem}_{m.capi}) \\' for cls in classes for m in cls.methods if m.static]
+    members += [f'    X({m}, {m.capi}) \\' for m in interface.functions]
+    members += ['', '// X(class)', '#define ZEMO_CEF_CLIENT_CLASSES(X) \\']
+    members += [f'    X({cls.name}) \\' for cls in classes if cls.side == 'client'] + ['']
 
     engine = head + ['#include "binding_traits.h"'] + opening
     scoped_text = []
@@ -380,4 +398,4 @@ def emit(description, interface, generator):
 
     return {'binding_traits.h': '\n'.join(traits), 'binding_engine.cpp': '\n'.join(engine),
             'binding_client.cpp': '\n'.join(client), 'binding_functions.cpp': '\n'.join(functions),
-            'binding_functions.h': '\n'.join(header)}
+            'binding_functions.h': '\n'.join(header), 'binding_members.h': '\n'.join(members)}
