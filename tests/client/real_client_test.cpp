@@ -100,7 +100,8 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
     const std::wstring classes = L"Software\\Classes\\zemotestpopup";
     ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + L"\\shell\\open\\command").c_str(), 0, nullptr, 0,
                               KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
-    const std::wstring command = std::format(L"cmd.exe /c echo %1 > \"{}\"", record.wstring());
+    const std::wstring command = std::format(
+        L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"zemo_engine_helper.exe").wstring(), record.wstring());
     RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
                    static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(key);
@@ -122,8 +123,10 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
         EXPECT_TRUE(game.waitFor("the page going on", [&] { return game.frames.frameCount() > 3; }));
     }
     std::string said;
-    std::getline(std::ifstream(record), said);
-    EXPECT_EQ(said.substr(0, 19), "zemotestpopup:hello");
+    std::ifstream stream(record);
+    std::getline(stream, said);
+    stream.close();
+    EXPECT_EQ(said, "zemotestpopup:hello");
     RegDeleteTreeW(HKEY_CURRENT_USER, classes.c_str());
     std::filesystem::remove(record);
 }
@@ -156,6 +159,7 @@ TEST(RealClient, SecondBrowserCreated_FirstStays) {
     ASSERT_TRUE(game.waitFor("the browser", [&] { return view.adapter->getBrowser() != nullptr; }));
     const int first = view.adapter->getBrowser()->GetIdentifier();
     CefWindowInfo windowInfo;
+    windowInfo.parent_window = game.window;
     windowInfo.windowless_rendering_enabled = true;
     windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
     // A second real browser with the same client; it is left to the end of the process.

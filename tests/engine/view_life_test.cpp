@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
+
+#include <windows.h>
+
 #include <psapi.h>
 
-#include <format>
+#include <atomic>
+#include <thread>
 
 #include "engine/game_host.h"
 #include "support/debug_log.h"
