@@ -1,5 +1,15 @@
 # Windows x64 from Linux: Debian 13's mingw-w64 with the universal C runtime (gcc 14, posix threads).
 # -DMINGW_FLAVOUR=msvcrt picks the old runtime, -DMINGW_CLANG=ON clang 19 + lld (old runtime).
+#
+# On Windows itself there is nothing to cross: the GCC of the path (MSYS2's UCRT64, for one) is used as it is.
+if(CMAKE_HOST_WIN32)
+  set(CMAKE_C_COMPILER gcc)
+  set(CMAKE_CXX_COMPILER g++)
+  set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+  set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+  set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
+  return()
+endif()
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MINGW_FLAVOUR MINGW_CLANG)

@@ -10,11 +10,16 @@
 // result and a log line say what went wrong.
 namespace ZEMO::Core {
 
-/// Full path of this library's file into `buffer` of `size` characters. False (and a log line) when it does not fit.
+/// Full path of this library's file into `buffer` of `size` characters. False (and a log line) when it does not fit
+/// with its NUL; the buffer then holds what did fit.
 bool getOwnModulePath(wchar_t* buffer, DWORD size);
 
 /// Directory of the library file, or of the game's executable when the former is unknown; empty when both are.
 std::wstring getOwnModuleDirectory();
+
+/// getOwnModuleDirectory through a zeroed buffer of the caller's. A path of `size` characters or more does not fit: the
+/// executable's path, cut to the buffer if need be, stands in.
+std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size);
 
 /// `relativePath` against the library's directory, lexically normal; empty when the directory is unknown.
 std::wstring resolveModuleRelativePath(const std::wstring& relativePath);
@@ -25,7 +30,7 @@ HMODULE loadLibraryFromModuleDirectory(const std::wstring& relativePath);
 /// UTF-8 to UTF-16. Invalid sequences are replaced by the system; empty means empty input or a system failure.
 std::wstring to_wide(const std::string& utf8);
 
-/// NUL-terminated UTF-8 copy of `text`; empty pointer for null.
+/// NUL-terminated UTF-8 copy of `text`, from malloc and freed with free; empty pointer for null or on a failure.
 std::shared_ptr<char> toSharedUtf8(const wchar_t* text);
 
 }  // namespace ZEMO::Core

@@ -1,0 +1,41 @@
+# The SDK tree: bin/ is what a game ships, include/ and lib/ are what it is built with.
+include(CMakePackageConfigHelpers)
+set(ZEMO_INSTALLED_BIN bin)
+install(TARGETS ZEMOUIFramework EXPORT ZEMOUIFrameworkTargets
+  RUNTIME DESTINATION bin LIBRARY DESTINATION lib ARCHIVE DESTINATION lib INCLUDES DESTINATION include)
+set_target_properties(ZEMOUIFramework PROPERTIES EXPORT_NAME UIFramework)
+target_compile_features(ZEMOUIFramework INTERFACE cxx_std_20)
+add_library(ZEMO::UIFramework ALIAS ZEMOUIFramework)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zemo DESTINATION include FILES_MATCHING PATTERN "*.h")
+
+foreach(file ${ZEMO_ENGINE_FILES})
+  install(FILES ${ZEMO_BIN_DIR}/${file} DESTINATION bin)
+endforeach()
+install(DIRECTORY ${ZEMO_BIN_DIR}/cefsubprocess DESTINATION bin USE_SOURCE_PERMISSIONS
+  FILES_MATCHING PATTERN "*.exe" PATTERN "*.dll" PATTERN "*.pak")
+if(EXISTS ${PROJECT_SOURCE_DIR}/resources/CMakeLists.txt)
+  install(DIRECTORY ${ZEMO_BIN_DIR}/resources DESTINATION bin)
+endif()
+foreach(program zemo_demo zemo_minimal)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION bin)
+  endif()
+endforeach()
+foreach(hook ZEMOGraphicsHook)
+  if(TARGET ${hook})
+    install(TARGETS ${hook} RUNTIME DESTINATION bin LIBRARY DESTINATION bin ARCHIVE DESTINATION lib)
+  endif()
+endforeach()
+
+set(package lib/cmake/ZEMOUIFramework)
+install(EXPORT ZEMOUIFrameworkTargets NAMESPACE ZEMO:: DESTINATION ${package})
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZEMOUIFrameworkConfig.cmake.in
+  ${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfig.cmake INSTALL_DESTINATION ${package} PATH_VARS ZEMO_INSTALLED_BIN)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfigVersion.cmake
+  DESTINATION ${package})
+foreach(page README.md LICENSE)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/${page})
+    install(FILES ${PROJECT_SOURCE_DIR}/${page} DESTINATION .)
+  endif()
+endforeach()

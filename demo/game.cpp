@@ -1,0 +1,213 @@
+#include "game.h"
+
+#include "text.h"
+#include "ui_library.h"
+
+#include <cstdio>
+#include <fstream>
+#include <utility>
+
+namespace demo {
+
+namespace {
+
+constexpr auto kFrameTime = std::chrono::microseconds(16667);
+
+double secondsSince(Clock::time_point moment) { return std::chrono::duration<double>(Clock::now() - moment).count(); }
+
+template <class... Args>
+std::wstring format(const wchar_t* pattern, Args... args) {
+    wchar_t text[160];
+    std::swprintf(text, std::size(text), pattern, args...);
+    return text;
+}
+
+}  // namespace
+
+Game::Game(const Options& options)
+    : options(options),
+      window(L"Outpost", options.size),
+      surface(std::make_shared<PageSurface>()),
+      events(std::make_shared<PageEventQueue>()) {
+    window.onModalFrame = [this] { drawFrame(); };
+    window.onKey = [this](unsigned key) {
+        if (key == VK_F10)
+            pages.empty() ? void(openPage(this->options.page)) : topPage()->isShown() ? hidePages() : showPages();
+        if (key == VK_F12) savePictures();
+        if (key == VK_ESCAPE) leaving = true;
+    };
+    drawFrame();  // something to look at while the engine starts
+    startUiLibrary(options, surface);
+}
+
+Game::~Game() {
+    // Views before the window they are drawn on, the newest first.
+    while (!pages.empty()) closeTopPage();
+}
+
+PagePanel& Game::openPage(const PageSource& source) {
+    const PixelSize client = window.clientSize();
+    PagePanel::Settings settings;
+    settings.number = nextPageNumber++;
+    settings.isOwnWindow = options.mode == Mode::window;
+    settings.hasCloseButton = options.hasCloseButton;
+    settings.width = 0.75f * static_cast<float>(client.width) / window.scale();
+    settings.height = 0.75f * static_cast<float>(client.height) / window.scale();
+    auto panel = std::make_unique<PagePanel>(settings, events);
+    panel->load(source);
+    surface->expectAnotherView();
+    panel->show();
+    pages.push_back(std::move(panel));
+    return *pages.back();
+}
+
+void Game::closeTopPage() {
+    if (pages.empty()) return;
+    surface->expectAnotherView();
+    pages.back()->close();
+    pages.pop_back();  // the last pointer to the view: its page ends here
+    surface->expectAnotherView();
+}
+
+void Game::hidePages() {
+    for (auto page = pages.rbegin(); page != pages.rend(); ++page) (*page)->close();
+}
+
+void Game::showPages() {
+    surface->expectAnotherView();
+    for (auto& page : pages) page->show();
+}
+
+void Game::play(double seconds) {
+    const auto begin = Clock::now();
+    while (!leaving && !window.isCloseRequested() && (seconds <= 0 || secondsSince(begin) < seconds)) playFrame();
+}
+
+bool Game::playUntil(const std::function<bool()>& isDone, double seconds) {
+    const auto begin = Clock::now();
+    while (!isDone()) {
+        if (secondsSince(begin) > seconds) return false;
+        playFrame();
+    }
+    return true;
+}
+
+void Game::playFrame() {
+    // A frame that came late moves the beat; it does not make the next ones hurry.
+    nextFrameAt = std::max(nextFrameAt + kFrameTime, Clock::now());
+    window.handleMessagesUntil(nextFrameAt);
+    handlePageEvents();
+    drawFrame();
+}
+
+void Game::drawFrame() {
+    const auto begin = Clock::now();
+    const PixelSize size = window.clientSize();
+    if (size.width < 1 || size.height < 1) return;  // minimised
+
+    update = surface->take(image);
+    if (!update.changed.isEmpty()) {
+        quad.upload(image, update.changed);
+        figures.uploads += 1;
+        figures.uploadedPixels += static_cast<std::uint64_t>(update.changed.area());
+        figures.uploadMs.add(milliseconds(Clock::now() - begin));
+    }
+
+    updateHud();
+    scene.draw(size.width, size.height, secondsSince(startedAt));
+    hud.draw(size.width, size.height, window.scale(), hudText);
+    if (onSceneDrawn) onSceneDrawn();
+    // close() leaves the last frame where it is, so a closed page is not drawn even though there is a picture of it.
+    const bool isPageDrawn = update.isVisible && topPage() && topPage()->isShown();
+    if (isPageDrawn) quad.draw();
+    if (onFrameDrawn) onFrameDrawn();
+    window.swapBuffers();
+
+    const auto end = Clock::now();
+    figures.frames += 1;
+    figures.frameMs.add(milliseconds(end - begin));
+    if (isPageDrawn && !update.changed.isEmpty()) figures.toFrameMs.add(milliseconds(end - update.since));
+}
+
+void Game::handlePageEvents() {
+    for (const PageEvent& event : events->takeAll()) {
+        const bool isTop = topPage() && topPage()->number() == event.page;
+        for (auto& page : pages) {
+            if (page->number() == event.page && event.kind == PageEvent::Kind::completed) page->noteLoaded();
+        }
+        if (event.kind == PageEvent::Kind::completed) tellPage();
+        if (event.kind == PageEvent::Kind::failed) std::printf("page %d: load error %d\n", event.page, event.error);
+        if (event.kind == PageEvent::Kind::command && isTop) handleCommand(event.text);
+        // The user closed the view's own window: what is left is an empty view.
+        const bool isWindowGone = event.kind == PageEvent::Kind::closed && options.mode == Mode::window;
+        if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
+        if (event.kind == PageEvent::Kind::closeRequested && isTop) closeTopPage();
+        if (onPageEvent) onPageEvent(event);
+    }
+}
+
+void Game::handleCommand(const std::string& command) {
+    if (command == "close") {
+        closeTopPage();
+    } else if (command == "dialog") {
+        openPage({PageSource::Kind::builtIn, "dialog"});
+    } else if (command == "claim") {
+        credits += 250;
+        scene.celebrate(secondsSince(startedAt));
+        tellPage();
+    }
+}
+
+void Game::tellPage() {
+    PagePanel* page = topPage();
+    if (!page || !page->isLoaded() || options.page.kind != PageSource::Kind::builtIn) return;
+    page->run("window.onGame && onGame({credits: " + std::to_string(credits) + "});");
+}
+
+void Game::updateHud() {
+    const double passed = secondsSince(hudUpdatedAt);
+    if (passed < 0.5) return;
+    const std::uint64_t pageFrames = surface->figures().frames;
+    const double span = framesAtHudUpdate ? passed : secondsSince(startedAt);
+    const double gameRate = static_cast<double>(figures.frames - framesAtHudUpdate) / span;
+    const double pageRate = static_cast<double>(pageFrames - pageFramesAtHudUpdate) / span;
+    hudUpdatedAt = Clock::now();
+    framesAtHudUpdate = figures.frames;
+    pageFramesAtHudUpdate = pageFrames;
+
+    const bool isShown = topPage() && topPage()->isShown();
+    hudText.title = L"OUTPOST";
+    hudText.status = format(L"Credits %d", credits);
+    hudText.figures = format(L"game %.0f fps", gameRate);
+    if (options.mode == Mode::callback && update.isVisible && isShown) {
+        hudText.figures += format(L"    page %d x %d, %.0f fps", image.width, image.height, pageRate);
+    }
+    hudText.keys = isShown ? L"F10  hide the page" : L"F10  show the page    F12  save pictures    Esc  leave";
+}
+
+void Game::savePictures() {
+    const PixelSize size = window.clientSize();
+    Picture frame;
+    const auto before = std::exchange(onFrameDrawn, [&] { frame = pictureOfBackBuffer(size.width, size.height); });
+    drawFrame();
+    onFrameDrawn = before;
+    const auto save = [](const std::filesystem::path& file, const Picture& picture) {
+        if (picture.pixels.empty()) return;
+        writePng(file, picture);
+        std::printf("saved %s (%d x %d)\n", toUtf8(file.wstring()).c_str(), picture.width, picture.height);
+    };
+    save(options.screenshot.empty() ? options.out / "page.png" : options.screenshot, pictureOfPage(image));
+    save(options.out / "frame.png", frame);
+    save(options.out / "display.png", pictureOfDisplay(window.handle()));
+}
+
+void Game::reportFigures() {
+    figures.seconds = secondsSince(startedAt);
+    const CallbackFigures callback = surface->figures();
+    if (options.hasFigures) std::printf("%s", figuresAsText(callback, figures).c_str());
+    const auto file = options.json.empty() ? options.out / "figures.json" : options.json;
+    if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << figuresAsJson(callback, figures);
+}
+
+}  // namespace demo

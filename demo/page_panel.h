@@ -1,0 +1,76 @@
+#pragma once
+
+#include "page_source.h"
+
+#include <zemo/ui.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace demo {
+
+/// Something that happened to a page, on its way to the game thread.
+struct PageEvent {
+    enum class Kind { shown, closed, started, completed, failed, closeRequested, command };
+    Kind kind = Kind::shown;
+    int page = 0;      ///< the panel's number
+    int error = 0;     ///< for failed
+    std::string text;  ///< for command: what stands behind "game://"
+};
+
+/// Delegates are called on the engine's thread and may not keep it waiting, so they only leave a note here; the game
+/// reads the notes once per frame.
+class PageEventQueue {
+public:
+    void push(PageEvent event);
+    std::vector<PageEvent> takeAll();
+
+private:
+    std::mutex mutex;
+    std::vector<PageEvent> events;
+};
+
+/// One page in front of the game: a view, with the delegates that listen to it. Game thread only. Destroying the panel
+/// drops the view's last pointer, and that ends its page.
+class PagePanel {
+public:
+    struct Settings {
+        int number = 0;
+        bool isOwnWindow = false;
+        bool hasCloseButton = false;
+        float width = 0;  ///< logical pixels; of the view's own window
+        float height = 0;
+    };
+
+    PagePanel(const Settings& settings, std::shared_ptr<PageEventQueue> events);
+    ~PagePanel();
+    PagePanel(const PagePanel&) = delete;
+    PagePanel& operator=(const PagePanel&) = delete;
+
+    int number() const { return settings.number; }
+    bool isShown() const { return shown; }
+    /// The first load has ended: scripts run, another page may be loaded.
+    bool isLoaded() const { return loaded; }
+    void noteLoaded() { loaded = true; }
+
+    void load(const PageSource& source);
+    void show();
+    void close();
+    /// Runs `script` in the page; the answer doesn't matter.
+    void run(const std::string& script);
+
+private:
+    class Listener;
+
+    const Settings settings;
+    // The library holds its delegates weakly: this pointer is what keeps the listener alive.
+    std::shared_ptr<Listener> listener;
+    std::shared_ptr<ZEMO::UI::IZEMOWebView> view;
+    bool shown = false;
+    bool loaded = false;
+};
+
+}  // namespace demo

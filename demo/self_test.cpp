@@ -1,0 +1,352 @@
+#include "self_test.h"
+
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace demo {
+
+namespace {
+
+constexpr double kPatience = 20;  // seconds; a first paint takes one or two, more on a busy machine
+
+/// What pages/self_test.html shows, in logical pixels of its window.
+struct Block {
+    const char* name;
+    double x, y;  // the middle
+    Colour colour;
+};
+constexpr Block kRed{"red block", 90, 70, {224, 48, 48, 255}};
+constexpr Block kGreen{"green block", 210, 70, {48, 192, 80, 255}};
+constexpr Block kHalfBlue{"half transparent block", 330, 70, {0, 0, 128, 128}};
+constexpr Block kSwitch{"switching block", 90, 170, {32, 96, 224, 255}};
+constexpr Colour kSwitched{240, 160, 32, 255};
+constexpr Colour kCorner{200, 200, 40, 255};  // 80 x 60, glued to the lower right corner
+constexpr Colour kSecondPage{112, 32, 144, 255};
+constexpr Colour kReloaded{32, 144, 144, 255};
+constexpr Colour kNothing{0, 0, 0, 0};
+
+std::string text(const char* pattern, ...) {
+    char line[300];
+    va_list arguments;
+    va_start(arguments, pattern);
+    std::vsnprintf(line, sizeof line, pattern, arguments);
+    va_end(arguments);
+    return line;
+}
+
+std::string text(const Colour& c) { return text("%d,%d,%d,%d", c.red, c.green, c.blue, c.alpha); }
+
+bool isClose(const Colour& a, const Colour& b, int tolerance) {
+    return std::abs(a.red - b.red) <= tolerance && std::abs(a.green - b.green) <= tolerance &&
+           std::abs(a.blue - b.blue) <= tolerance && std::abs(a.alpha - b.alpha) <= tolerance;
+}
+
+PageSource plainPage(const Colour& c) {
+    return {PageSource::Kind::html,
+            text("<!doctype html><body style='margin:0;background:rgb(%d,%d,%d)'>", c.red, c.green, c.blue)};
+}
+
+class SelfTest {
+public:
+    SelfTest(Game& game, const Options& options) : game(game), options(options), scale(game.gameWindow().scale()) {
+        game.onPageEvent = [this](const PageEvent& event) { ++counts[static_cast<std::size_t>(event.kind)]; };
+        game.onSceneDrawn = [this] { readBackBuffer(under); };
+        game.onFrameDrawn = [this] { readBackBuffer(drawn); };
+    }
+
+    ~SelfTest() { game.onPageEvent = nullptr, game.onSceneDrawn = nullptr, game.onFrameDrawn = nullptr; }
+
+    void run() {
+        if (options.mode == Mode::callback) {
+            step("page is shown", [this] { pageIsShown(); });
+            step("callback frame holds the page's colours", [this] { callbackFrame(); });
+            step("game's frame shows the page over the scene", [this] { gameFrame(); });
+            step("display shows the game's frame", [this] { display(game.gameWindow().handle()); });
+            step("small change reports a small rectangle", [this] { smallChange(); });
+            step("click reaches the page", [this] { click(); });
+            step("resized window gets a whole frame of its size", [this] { resize(); });
+            step("second view covers the first and leaves it unharmed", [this] { secondView(); });
+            step("closed page is gone, shown page is back", [this] { closeAndShow(); });
+            step("page loads another text", [this] { reload(); });
+            step("dropped view hides the page", [this] { drop(); });
+        } else {
+            step("page is shown", [this] { pageIsShown(); });
+            step("display shows the page", [this] { pageOnDisplay(); });
+        }
+    }
+
+private:
+    struct Failure : std::runtime_error {
+        using std::runtime_error::runtime_error;
+    };
+
+    void step(const char* name, const std::function<void()>& body) {
+        const auto begin = Clock::now();
+        std::printf("%-58s ", name);
+        std::fflush(stdout);
+        try {
+            body();
+        } catch (const Failure& failure) {
+            std::printf("FAILED\n");
+            throw Failure(std::string(name) + ": " + failure.what());
+        }
+        std::printf("ok  %.2f s\n", milliseconds(Clock::now() - begin) / 1000);
+        std::fflush(stdout);
+    }
+
+    /// Plays until `isDone`, or fails with what `missing` says then.
+    void await(const std::function<bool()>& isDone, const std::function<std::string()>& missing) {
+        if (!game.playUntil(isDone, kPatience)) throw Failure("after 20 s " + missing());
+    }
+
+    int px(double logical) const { return static_cast<int>(std::floor(logical * scale)); }
+    int count(PageEvent::Kind kind) const { return counts[static_cast<std::size_t>(kind)]; }
+
+    Colour onPage(const Block& block) const { return colourOf(game.pageImage(), px(block.x), px(block.y)); }
+
+    void awaitPage(const char* what, double x, double y, Colour expected, int tolerance = 0) {
+        const auto seen = [this, x, y] { return colourOf(game.pageImage(), px(x), px(y)); };
+        await([&] { return game.pageUpdate().isVisible && isClose(seen(), expected, tolerance); },
+              [&] {
+                  return text("the callback's frame (%d x %d) has %s at %.0f,%.0f, %s is %s", game.pageImage().width,
+                              game.pageImage().height, text(seen()).c_str(), x, y, what, text(expected).c_str());
+              });
+    }
+    void awaitPage(const Block& block) {
+        awaitPage(block.name, block.x, block.y, block.colour, block.colour.alpha < 255);
+    }
+
+    void readBackBuffer(Picture& into) {
+        if (!isReading) return;
+        const PixelSize size = game.gameWindow().clientSize();
+        into = pictureOfBackBuffer(size.width, size.height);
+    }
+    /// The next frame, once as it is without the page and once with it.
+    void readNextFrame() {
+        isReading = true;
+        drawn = {};
+        game.playUntil([this] { return !drawn.pixels.empty(); }, kPatience);
+        isReading = false;
+    }
+
+    void pageIsShown() {
+        const int completed = count(PageEvent::Kind::completed), shown = count(PageEvent::Kind::shown);
+        game.openPage({PageSource::Kind::builtIn, "self_test"});
+        await([&] { return count(PageEvent::Kind::shown) > shown; }, [] { return "viewDidShow did not come"; });
+        await([&] { return count(PageEvent::Kind::completed) > completed; },
+              [] { return "navigationCompleted did not come"; });
+        if (count(PageEvent::Kind::started) == 0) throw Failure("navigationStarting did not come");
+    }
+
+    void callbackFrame() {
+        for (const Block& block : {kRed, kGreen, kHalfBlue, kSwitch}) awaitPage(block);
+        awaitPage("the page's transparent part", 500, 300, kNothing);
+        awaitFrameSize();
+        awaitCorner();
+    }
+
+    void awaitFrameSize() {
+        const PixelSize size = game.gameWindow().clientSize();
+        await([&] { return game.pageImage().width == size.width && game.pageImage().height == size.height; },
+              [&] {
+                  return text("the frame is %d x %d, the window %d x %d", game.pageImage().width,
+                              game.pageImage().height, size.width, size.height);
+              });
+    }
+
+    void awaitCorner() {
+        const PixelSize size = game.gameWindow().clientSize();
+        awaitPage("the corner block", (size.width - 0.5 * 80 * scale) / scale, (size.height - 0.5 * 60 * scale) / scale,
+                  kCorner);
+    }
+
+    void gameFrame() {
+        readNextFrame();
+        for (const Block& block : {kRed, kGreen, kSwitch}) expectDrawn(block.name, block, block.colour, 0);
+        expectDrawn("the scene beside the blocks", {"", 500, 300, {}}, under.at(px(500), px(300)), 0);
+        // Premultiplied blending: the page's colour plus what lies under it, dimmed by the page's alpha.
+        const Colour page = onPage(kHalfBlue), below = under.at(px(kHalfBlue.x), px(kHalfBlue.y));
+        const auto blend = [&](int over, int beneath) { return over + (beneath * (255 - page.alpha) + 127) / 255; };
+        expectDrawn("the half transparent block over the scene", kHalfBlue,
+                    {blend(page.red, below.red), blend(page.green, below.green), blend(page.blue, below.blue), 255}, 1);
+    }
+
+    void expectDrawn(const char* what, const Block& block, Colour expected, int tolerance) {
+        const Colour seen = drawn.at(px(block.x), px(block.y));
+        if (isClose(seen, expected, tolerance)) return;
+        throw Failure(
+            text("the game's frame has %s for %s, expected %s", text(seen).c_str(), what, text(expected).c_str()));
+    }
+
+    void display(HWND window) {
+        Picture screen;
+        for (const Block& block : {kRed, kGreen, kSwitch}) {
+            const auto seen = [&] { return screen.at(px(block.x), px(block.y)); };
+            await([&] { return screen = pictureOfDisplay(window), seen() == block.colour; },
+                  [&] {
+                      return text("the display has %s for the %s, expected %s", text(seen()).c_str(), block.name,
+                                  text(block.colour).c_str());
+                  });
+        }
+    }
+
+    void smallChange() {
+        // A forced whole frame may come in between, and two changes may meet in one update: try a few times.
+        const long long blockArea = static_cast<long long>(px(100) + 2) * (px(60) + 2);
+        PixelRect changed;
+        for (int attempt = 0; attempt < 12; ++attempt) {
+            const bool isOn = attempt % 2 == 0;
+            changed = {};
+            game.topPage()->run(isOn ? "setSwitch(true)" : "setSwitch(false)");
+            const Colour expected = isOn ? kSwitched : kSwitch.colour;
+            await([&] { return changed = unite(changed, game.pageUpdate().changed), onPage(kSwitch) == expected; },
+                  [&] {
+                      return text("the switching block is %s, expected %s", text(onPage(kSwitch)).c_str(),
+                                  text(expected).c_str());
+                  });
+            readNextFrame();
+            expectDrawn("the switching block after a partial upload", kSwitch, expected, 0);
+            expectDrawn("the red block after a partial upload", kRed, kRed.colour, 0);
+            const long long area = changed.area();
+            if (!isOn && area <= blockArea && area >= static_cast<long long>(px(100)) * px(60)) return;
+        }
+        throw Failure(
+            text("the last change of 100 x 60 logical pixels was reported as %d x %d", changed.width, changed.height));
+    }
+
+    void click() {
+        HWND window = game.gameWindow().handle();
+        const LPARAM at = MAKELPARAM(px(kSwitch.x), px(kSwitch.y));
+        // The first move after the cursor came in is the window's own; the second is the page's.
+        for (int i = 0; i < 2; ++i) PostMessageW(window, WM_MOUSEMOVE, 0, at);
+        PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, at);
+        PostMessageW(window, WM_LBUTTONUP, 0, at);
+        awaitPage("the clicked block", kSwitch.x, kSwitch.y, kSwitched);
+        game.topPage()->run("setSwitch(false)");
+        awaitPage(kSwitch);
+    }
+
+    void resize() {
+        const PixelSize before = game.gameWindow().clientSize();
+        for (const PixelSize size : {PixelSize{before.width - 160, before.height - 120}, before}) {
+            game.gameWindow().setClientSize(size);
+            if (game.gameWindow().clientSize() != size) throw Failure("the window did not take its new size");
+            bool wasWhole = false;
+            await(
+                [&] {
+                    return (wasWhole = wasWhole || game.pageUpdate().isNewSize) &&
+                           game.pageImage().width == size.width && game.pageImage().height == size.height;
+                },
+                [&] {
+                    return text("the frame is %d x %d, the window %d x %d", game.pageImage().width,
+                                game.pageImage().height, size.width, size.height);
+                });
+            awaitCorner();
+            awaitPage(kRed);
+        }
+    }
+
+    void secondView() {
+        const int completed = count(PageEvent::Kind::completed);
+        game.openPage(plainPage(kSecondPage));
+        await([&] { return count(PageEvent::Kind::completed) > completed; },
+              [] { return "navigationCompleted of the second view did not come"; });
+        awaitPage("the second page", kRed.x, kRed.y, kSecondPage);
+        awaitPage("the second page", 500, 300, kSecondPage);
+        const int closed = count(PageEvent::Kind::closed);
+        game.closeTopPage();
+        await([&] { return count(PageEvent::Kind::closed) > closed; }, [] { return "viewDidClose did not come"; });
+        awaitPage(kRed);
+        awaitPage("the first page's transparent part", 500, 300, kNothing);
+    }
+
+    void closeAndShow() {
+        const int shown = count(PageEvent::Kind::shown), closed = count(PageEvent::Kind::closed);
+        game.hidePages();
+        await([&] { return count(PageEvent::Kind::closed) > closed; }, [] { return "viewDidClose did not come"; });
+        readNextFrame();
+        expectDrawn("the scene after close", kRed, under.at(px(kRed.x), px(kRed.y)), 0);
+        game.showPages();
+        await([&] { return count(PageEvent::Kind::shown) > shown; }, [] { return "viewDidShow did not come"; });
+        awaitPage(kRed);
+        readNextFrame();
+        expectDrawn("the page after the second show", kRed, kRed.colour, 0);
+        const auto frames = game.callbackFigures().frames;
+        await([&] { return game.callbackFigures().frames > frames; },
+              [] { return "no frame came after the second show"; });
+    }
+
+    void reload() {
+        const int completed = count(PageEvent::Kind::completed);
+        game.topPage()->load(plainPage(kReloaded));
+        await([&] { return count(PageEvent::Kind::completed) > completed; },
+              [] { return "navigationCompleted of the second text did not come"; });
+        awaitPage("the second text", kRed.x, kRed.y, kReloaded);
+        awaitPage("the second text", 500, 300, kReloaded);
+    }
+
+    void drop() {
+        game.closeTopPage();
+        await([&] { return !game.pageUpdate().isVisible; }, [] { return "the callback got no null frame"; });
+        readNextFrame();
+        expectDrawn("the scene without a page", kRed, under.at(px(kRed.x), px(kRed.y)), 0);
+    }
+
+    /// Where the page isn't the game's to draw, the display is the only witness.
+    void pageOnDisplay() {
+        HWND window = game.gameWindow().handle();
+        if (options.mode == Mode::window) {
+            await([&] { return (window = otherWindow()) != nullptr; },
+                  [] { return "there is no window for the view"; });
+        }
+        display(window);
+    }
+
+    HWND otherWindow() const {
+        struct Search {
+            HWND gameWindow;
+            HWND found;
+        } search{game.gameWindow().handle(), nullptr};
+        EnumWindows(
+            [](HWND window, LPARAM parameter) -> BOOL {
+                auto* wanted = reinterpret_cast<Search*>(parameter);
+                DWORD process = 0;
+                GetWindowThreadProcessId(window, &process);
+                if (process == GetCurrentProcessId() && window != wanted->gameWindow && IsWindowVisible(window) &&
+                    GetWindow(window, GW_OWNER) == wanted->gameWindow) {
+                    wanted->found = window;
+                }
+                return wanted->found == nullptr;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
+
+    Game& game;
+    const Options& options;
+    const double scale;
+    int counts[8] = {};
+    bool isReading = false;
+    Picture under;
+    Picture drawn;
+};
+
+}  // namespace
+
+bool runSelfTest(Game& game, const Options& options) {
+    try {
+        SelfTest(game, options).run();
+    } catch (const std::runtime_error& failure) {
+        std::printf("self test FAILED: %s\n", failure.what());
+        return false;
+    }
+    std::printf("self test passed\n");
+    return true;
+}
+
+}  // namespace demo

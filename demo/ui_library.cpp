@@ -1,0 +1,30 @@
+#include "ui_library.h"
+
+#include <zemo/ui.h>
+
+namespace demo {
+
+void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& surface) {
+    // 1. Before the engine starts: how it composites pages. In software it needs no GPU process, and the game keeps the
+    //    whole GPU for itself.
+    ZEMO::UI::setUIEngineOsrRenderEnabled(options.hasGpuCompositing ? 0 : 1);
+
+    // 2. The engine. Blocks until it is ready, finds the game's window and takes that window's messages first from now
+    //    on: a page in front gets the input before the game does.
+    ZEMO::UI::InitUILibrary();
+
+    // 3. Where frames go. A view reads this when it is first shown, so it comes before the first view. With the hook
+    // the
+    //    page is drawn into the game's frame behind the game's back; with the callback the game draws it.
+    if (options.mode == Mode::hook) {
+        ZEMO::UI::InitUIGraphicsHook();
+        return;
+    }
+    // The library keeps the callback for as long as it is loaded: it owns the surface together with the game.
+    ZEMO::UI::setUIOsrFramePresentCallback(
+        [surface](const void* pixels, int width, int height, int dirtyX, int dirtyY, int dirtyWidth, int dirtyHeight) {
+            surface->present(pixels, width, height, {dirtyX, dirtyY, dirtyWidth, dirtyHeight});
+        });
+}
+
+}  // namespace demo

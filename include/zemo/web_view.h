@@ -1,0 +1,96 @@
+#pragma once
+
+#include <zemo/view.h>
+#include <zemo/web_content.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace ZEMO::UI {
+
+class IZEMOWebView;
+
+/// Follows a view's navigation. Implemented by the game; every operation comes on the engine thread, except
+/// closeRequested, which comes on the thread of the window whose close button was pressed (or on the engine thread when
+/// a page asked for it). None may block: the engine and all its pages wait meanwhile. Frames inside a page report too,
+/// so several starts and completions for one page are normal.
+class ZEMOWebViewDelegate {
+   public:
+    virtual void navigationStarting(std::shared_ptr<IZEMOWebView> view) = 0;
+    /// The engine's error number in the generic category; -600 stands for a page process that died (the page is already
+    /// being loaded again then).
+    virtual void navigationFailed(std::shared_ptr<IZEMOWebView> view, const std::error_code& error) = 0;
+    virtual void navigationCompleted(std::shared_ptr<IZEMOWebView> view) = 0;
+    /// True: the game has dealt with `url` (UTF-8) and the page must not go there.
+    virtual bool navigationRequested(std::shared_ptr<IZEMOWebView> view, std::string url) = 0;
+    /// The close button, or the page, asks to close. The game decides; normally it calls close and drops the view.
+    virtual void closeRequested() = 0;
+    virtual ~ZEMOWebViewDelegate() = default;
+};
+
+/// A web page on the screen. Made by createWebViewDefault, owned by the caller: dropping the last pointer ends the page.
+///
+/// Used from one thread, the caller's. Before the first show the load operations only store what to load, the last call
+/// of each kind wins; from then on each loads at once, in the same browser. Between show and the first
+/// navigationStarting the browser is still being made: do not load, go back or go forward in that time. Nothing here
+/// reports an error by value: a failed load arrives as navigationFailed.
+class IZEMOWebView : public IZEMOView {
+   public:
+    /// Held weakly. A view without a living delegate never gets its close button.
+    virtual void setWebViewDelegate(std::shared_ptr<ZEMOWebViewDelegate> delegate) = 0;
+
+    /// A page of resources\html beside the library, by its name without ".html" ("start"), or, before the first show, an
+    /// absolute file path without ".html". UTF-8.
+    virtual void loadPage(std::string nameOrPath) = 0;
+
+    /// The address of `content`; a POST item (kind 3) is sent as one.
+    virtual void loadContent(std::shared_ptr<IZEMOWebContent> content) = 0;
+
+    /// A page given as text. `path` says where its relative references belong: the directory above its file names the
+    /// resource folder. Both views must point at NUL-terminated UTF-8 text; their own length is not looked at.
+    virtual void loadHtml(std::string_view html, std::string_view path) = 0;
+
+    /// A web address ("http://", "https://", in any letter case) or the name of a local page, with the items that turn
+    /// requests of the page into POSTs. Only the load of the first show takes a web address: on an open view `url` is
+    /// always the name of a local page, and web addresses go through loadContent.
+    virtual void loadUrl(std::string url, std::vector<std::shared_ptr<IZEMOWebContent>> items) = 0;
+
+    /// No effect.
+    virtual void reserved(std::string text) = 0;
+
+    /// Runs `script` in the page and hands its two result strings to `callback`, on the engine thread. Queued until the
+    /// page has loaded. Dropped before show; an answer after close is dropped too.
+    virtual void evaluateJavascript(std::string script, std::function<void(std::string, std::string)> callback) = 0;
+
+    /// Calls `callback` on the engine thread when the page uses the object `name`. The first registration of a name
+    /// stays. Dropped before show.
+    virtual void addJavascriptCallback(std::string name, std::function<void(std::string)> callback) = 0;
+
+    /// Registers `message` for the object `name` (not before show) and returns the script that binds it; the caller runs
+    /// it with evaluateJavascript. Neither text is escaped.
+    virtual std::string bindObject(std::string name, std::string message) = 0;
+
+    virtual void goBack() = 0;
+    /// False without a page.
+    virtual bool canGoBack() = 0;
+    virtual void goForward() = 0;
+    /// False without a page.
+    virtual bool canGoForward() = 0;
+
+    /// Deletes the cookies whose domain contains `url` (all for an empty text), for every view of the process. Blocks
+    /// until the engine has walked its cookies; must not be called on the engine thread. False when they can't be
+    /// reached.
+    virtual bool deleteCookies(const std::string& url) = 0;
+
+    /// Replaces the list of items that turn requests into POSTs. Dropped before show.
+    virtual void setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) = 0;
+
+    /// A small X in the view's upper right corner, from the first completed load on. Read by the first show.
+    virtual void setCloseButtonEnabled(bool enabled) = 0;
+};
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,125 @@
+#pragma once
+
+/// \file
+/// The exceptions of the Windows Runtime's C++ projection, as the functions of <zemo/platform.h> raise them.
+///
+/// Where the compiler brings the projection's headers they are used. Elsewhere the same names and the same behaviour
+/// are declared here, header-only, so that library and game agree on the types across the module boundary.
+#if __has_include(<winrt/base.h>)
+#include <winrt/base.h>
+#else
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+
+#include <cstdint>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace winrt {
+
+/// Text of the runtime: UTF-16, converts to std::wstring_view.
+using hstring = std::wstring;
+
+/// A result code that converts to and from the plain HRESULT.
+struct hresult {
+    int32_t value = 0;
+    constexpr hresult() noexcept = default;
+    constexpr hresult(int32_t code) noexcept : value(code) {}
+    constexpr operator int32_t() const noexcept { return value; }
+};
+
+/// A call into the Windows Runtime failed. As in the projection it is no std::exception: catch it by its own name, or
+/// by the name of a class derived from it. A value: copyable, bound to no thread and to no COM object.
+struct hresult_error {
+    hresult_error() noexcept : hresult_error(E_FAIL) {}
+    explicit hresult_error(hresult code) noexcept : code_(code) {}
+    hresult_error(hresult code, hstring message) noexcept : code_(code), message_(std::move(message)) {}
+
+    /// The failing HRESULT.
+    hresult code() const noexcept { return code_; }
+
+    /// What the failing side said about it, else the system's text for the code, without spaces or line end behind it.
+    /// Empty when the system has none.
+    hstring message() const noexcept {
+        try {
+            return message_.empty() ? systemMessage() : message_;
+        } catch (...) {
+            return {};
+        }
+    }
+
+private:
+    hstring systemMessage() const {
+        wchar_t* text = nullptr;
+        constexpr DWORD kFlags =
+            FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+        const DWORD length = FormatMessageW(kFlags, nullptr, static_cast<DWORD>(code_.value), 0,
+                                            reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+        struct Free {
+            wchar_t* text;
+            ~Free() { LocalFree(text); }
+        } const owner{text};
+        std::wstring_view view(text ? text : L"", text ? length : 0);
+        while (!view.empty() &&
+               (view.back() == L' ' || view.back() == L'\r' || view.back() == L'\n' || view.back() == L'\t')) {
+            view.remove_suffix(1);
+        }
+        return hstring(view);
+    }
+
+    hresult code_;
+    hstring message_;
+};
+
+// The failures that have a class of their own. As numbers, because not every compiler's headers name them all.
+#define ZEMO_WINRT_ERRORS(ERROR_CLASS)                            \
+    ERROR_CLASS(hresult_access_denied, 0x80070005u)               \
+    ERROR_CLASS(hresult_wrong_thread, 0x8001010Eu)                \
+    ERROR_CLASS(hresult_not_implemented, 0x80004001u)             \
+    ERROR_CLASS(hresult_invalid_argument, 0x80070057u)            \
+    ERROR_CLASS(hresult_out_of_bounds, 0x8000000Bu)               \
+    ERROR_CLASS(hresult_no_interface, 0x80004002u)                \
+    ERROR_CLASS(hresult_class_not_available, 0x80040111u)         \
+    ERROR_CLASS(hresult_class_not_registered, 0x80040154u)        \
+    ERROR_CLASS(hresult_changed_state, 0x8000000Cu)               \
+    ERROR_CLASS(hresult_illegal_state_change, 0x8000000Du)        \
+    ERROR_CLASS(hresult_illegal_method_call, 0x8000000Eu)         \
+    ERROR_CLASS(hresult_illegal_delegate_assignment, 0x80000018u) \
+    ERROR_CLASS(hresult_canceled, 0x800704C7u)
+
+#define ZEMO_WINRT_CLASS(name, hr)                                                            \
+    struct name : hresult_error {                                                             \
+        static constexpr int32_t kCode = static_cast<int32_t>(hr);                            \
+        name() noexcept : hresult_error(kCode) {}                                             \
+        explicit name(hstring message) noexcept : hresult_error(kCode, std::move(message)) {} \
+    };
+ZEMO_WINRT_ERRORS(ZEMO_WINRT_CLASS)
+#undef ZEMO_WINRT_CLASS
+
+/// Raises the class that stands for `code`: a derived one where there is one, std::bad_alloc for E_OUTOFMEMORY, else
+/// hresult_error itself.
+[[noreturn]] inline void throw_hresult(hresult code, const hstring& message = {}) {
+    switch (static_cast<uint32_t>(code.value)) {
+        case 0x8007000Eu:
+            throw std::bad_alloc();
+#define ZEMO_WINRT_THROW(name, hr) \
+    case hr:                       \
+        throw name(message);
+            ZEMO_WINRT_ERRORS(ZEMO_WINRT_THROW)
+#undef ZEMO_WINRT_THROW
+        default:
+            throw hresult_error(code, message);
+    }
+}
+#undef ZEMO_WINRT_ERRORS
+
+}  // namespace winrt
+#endif

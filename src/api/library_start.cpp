@@ -1,0 +1,47 @@
+#include "api/library_start.h"
+
+#include <windows.h>
+
+#include "core/process_state.h"
+#include "engine/cef_module.h"
+#include "layers/layer_manager.h"
+
+namespace ZEMO::UI {
+namespace {
+
+BOOL CALLBACK takeMainWindow(HWND hwnd, LPARAM result) {
+    DWORD owner = 0;
+    GetWindowThreadProcessId(hwnd, &owner);
+    if (owner != GetCurrentProcessId() || GetWindow(hwnd, GW_OWNER) || !IsWindowVisible(hwnd)) return TRUE;
+    *reinterpret_cast<HWND*>(result) = hwnd;
+    return FALSE;
+}
+
+HWND findMainWindow() {
+    HWND found = nullptr;
+    EnumWindows(&takeMainWindow, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+// The factory that serves local resources through the custom scheme is not part of this build yet.
+void registerCustomSchemeFactory() {}
+
+}  // namespace
+
+int startLibrary(bool withCustomScheme) {
+    const int result = CefModule::start(GetModuleHandleW(nullptr));
+    setEngineStarted(true);
+    if (result >= 0) return result;
+    if (withCustomScheme) registerCustomSchemeFactory();
+    auto& manager = ZEMOMultiLayerManager::instance();
+    manager.setMainWindow(findMainWindow());
+    manager.subclassMainWindow();
+    return result;
+}
+
+void loadGraphicsHook() {
+    ZEMOMultiLayerManager::instance().setGraphicsHookModule(LoadLibraryExW(
+        L"ZEMOGraphicsHook.dll", nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS | LOAD_LIBRARY_SEARCH_USER_DIRS));
+}
+
+}  // namespace ZEMO::UI

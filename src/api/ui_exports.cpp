@@ -1,0 +1,87 @@
+#include <windows.h>
+
+#include <utility>
+
+#include "api/external_browser.h"
+#include "api/file_select_view.h"
+#include "api/library_start.h"
+#include "api/zemo_web_view_window.h"
+#include "core/process_state.h"
+#include "core/resource_paths.h"
+#include "layers/layer_manager.h"
+#include "layers/posted_text.h"
+#include "layers/window_messages.h"
+#include "zemo/ui.h"
+
+namespace ZEMO::UI {
+namespace {
+
+ZEMOMultiLayerManager& manager() { return ZEMOMultiLayerManager::instance(); }
+
+}  // namespace
+
+void InitUILibrary() {
+    startLibrary(true);  // the UTF-8 locale of the runtime library follows here with the locale functions
+}
+
+void InitUIGraphicsHook() { loadGraphicsHook(); }
+
+void activeFocusMainWindow() {
+    const HWND window = manager().getMainWindow();
+    const DWORD windowThread = GetWindowThreadProcessId(window, nullptr);
+    if (!AttachThreadInput(GetCurrentThreadId(), windowThread, TRUE)) return;
+    SetForegroundWindow(window);
+    BringWindowToTop(window);
+    AttachThreadInput(GetCurrentThreadId(), windowThread, FALSE);
+}
+
+std::shared_ptr<IZEMOWebView> createWebViewDefault() { return std::make_shared<ZEMOWebViewWindow>(); }
+
+std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog() { return std::make_shared<ZEMOFileSelectViewImpl>(); }
+
+std::filesystem::path getLocalHTMLResourcePath() { return Core::getLocalHtmlDirectory(); }
+
+void openBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), false); }
+
+void openIncognitoBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), true); }
+
+void processSteamDeckKeyboardClose() { manager().processSteamDeckKeyboardClose(); }
+
+void sendGameControllerCustomMsgData(const std::string& data) {
+    // A view's own window is owned by the game's: it gets the text when it is the one in front.
+    const HWND mainWindow = manager().getMainWindow();
+    const HWND foreground = GetForegroundWindow();
+    if (!foreground || (foreground != mainWindow && GetWindow(foreground, GW_OWNER) != mainWindow)) return;
+    postText(foreground, kMessageExternalScript, data);
+}
+
+void sendGameControllerStatus(const std::string& statusJson) { manager().setGameControllerStatus(statusJson); }
+
+void sendUIRemoteInputEvent(const std::string& /*type*/, const std::string& /*action*/, const std::string& /*data*/,
+                            int /*x*/, int /*y*/) {}  // injected input is not part of this build yet
+
+void setOpenGLSleepTime(unsigned int ms) { manager().setOpenGLSleepTime(ms); }
+
+void setUIEngineOsrRenderEnabled(int enabled) { setUIEngineOsrRenderEnabledFlag(enabled != 0); }
+
+void setUIGameControllerScriptUseCallback(std::function<void(int)> callback) {
+    manager().setGameControllerScriptUseCallback(std::move(callback));
+}
+
+void setUIOpenExternalBrowserCallback(std::function<bool(const std::string&)> callback) {
+    manager().setOpenExternalBrowserCallback(std::move(callback));
+}
+
+void setUIOsrFramePresentCallback(OsrFramePresentCallback callback) {
+    manager().setOsrFramePresentCallback(std::move(callback));
+}
+
+void setUIShowSteamDeckKeyboardCallback(std::function<void(int)> callback) {
+    manager().setSteamDeckKeyboardCallback(std::move(callback));
+}
+
+void setUISteamOverlayActiveStatus(bool active) { manager().setSteamOverlayActiveStatus(active); }
+
+void updateUILanguage(const char* /*language*/) {}
+
+}  // namespace ZEMO::UI

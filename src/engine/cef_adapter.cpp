@@ -1,0 +1,97 @@
+#include "engine/cef_adapter.h"
+
+#include <system_error>
+
+#include "core/log.h"
+#include "engine/javascript_processor.h"
+#include "include/cef_browser.h"
+#include "include/cef_frame.h"
+#include "include/cef_request.h"
+#include "layers/layer_manager.h"
+
+namespace ZEMO::UI {
+namespace {
+
+/// The library's own mark for a page process that died.
+constexpr int kRenderProcessGone = -600;
+
+constexpr int kKeyboardText = 0;
+constexpr int kKeyboardEmail = 2;
+constexpr int kKeyboardNumeric = 3;
+
+}  // namespace
+
+CefAdapter::CefAdapter(WebViewLink link, HWND window, WindowStyle style, bool closeButton, HMODULE hookModule,
+                       uint32_t sleepTime, OsrFramePresentCallback framePresentCallback)
+    : CefHandler(window, style, closeButton, hookModule, sleepTime, std::move(framePresentCallback)),
+      delegate(std::move(link)) {}
+
+void CefAdapter::navigationStarting() {
+    Core::logDebugA("navigationStarting\n");
+    if (const auto target = delegate.delegate.lock()) target->navigationStarting(delegate.view.lock());
+}
+
+void CefAdapter::navigationFailed(int errorCode) {
+    Core::logDebugA("navigationFailed: %d\n", errorCode);
+    if (const auto target = delegate.delegate.lock()) {
+        target->navigationFailed(delegate.view.lock(), std::error_code(errorCode, std::generic_category()));
+    }
+}
+
+void CefAdapter::navigationCompleted() {
+    Core::logDebugA("navigationCompleted\n");
+    getJavascriptProcessor()->flushQueuedEvaluations();
+    if (const auto target = delegate.delegate.lock()) target->navigationCompleted(delegate.view.lock());
+}
+
+bool CefAdapter::navigationRequested(std::string url) {
+    const auto target = delegate.delegate.lock();
+    return !target || target->navigationRequested(delegate.view.lock(), std::move(url));
+}
+
+void CefAdapter::OnLoadStart(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+                             TransitionType /*transition_type*/) {
+    navigationStarting();
+}
+
+void CefAdapter::OnLoadEnd(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> /*frame*/, int /*httpStatusCode*/) {
+    navigationCompleted();
+    browser->GetHost()->SetFocus(true);
+}
+
+void CefAdapter::OnLoadError(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame, ErrorCode errorCode,
+                             const CefString& /*errorText*/, const CefString& failedUrl) {
+    switch (errorCode) {
+        case ERR_ABORTED:
+            return;  // a newer navigation took its place
+        case ERR_CACHE_MISS:
+            return frame->LoadURL(failedUrl);
+        default:
+            return navigationFailed(errorCode);
+    }
+}
+
+bool CefAdapter::OnBeforeBrowse(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+                                CefRefPtr<CefRequest> request, bool /*user_gesture*/, bool /*is_redirect*/) {
+    return navigationRequested(request->GetURL());
+}
+
+void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, TerminationStatus /*status*/,
+                                           int /*error_code*/, const CefString& /*error_string*/) {
+    browser->Reload();
+    navigationFailed(kRenderProcessGone);
+}
+
+void CefAdapter::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, TextInputMode input_mode) {
+    // The system's on-screen keyboard comes with touch input; until then only the game's own is asked for.
+    if (input_mode == CEF_TEXT_INPUT_MODE_NONE) return;
+    auto& manager = ZEMOMultiLayerManager::instance();
+    if (!manager.hasSteamDeckKeyboardCallback() || manager.getSteamDeckKeyboardShown()) return;
+    const int type = input_mode == CEF_TEXT_INPUT_MODE_EMAIL     ? kKeyboardEmail
+                     : input_mode == CEF_TEXT_INPUT_MODE_NUMERIC ? kKeyboardNumeric
+                                                                 : kKeyboardText;
+    manager.getSteamDeckKeyboardCallback()(type);
+    manager.setSteamDeckKeyboardShown(true);
+}
+
+}  // namespace ZEMO::UI

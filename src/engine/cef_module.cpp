@@ -1,0 +1,171 @@
+#include "engine/cef_module.h"
+
+#include <exception>
+
+#include "core/log.h"
+#include "core/module_paths.h"
+#include "engine/engine_files.h"
+#include "engine/engine_library.h"
+#include "engine/runtime_selection.h"
+#include "engine/web_app.h"
+#include "include/cef_app.h"
+
+// Start and stop, in order.
+//
+// Start: the caller's thread makes the module object and the engine thread and waits. The engine thread pins the library
+// and libcef in memory, chooses cache and child program, initialises the engine, signals, and stays in the engine's loop.
+//
+// Stop: a quit task ends that loop, the engine shuts down on its own thread, the thread is joined, the lock file goes.
+// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return from
+// main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
+// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their pipes
+// close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its own
+// that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread needs
+// the loader to finish. Hence the pin.
+namespace ZEMO::UI {
+namespace {
+
+constexpr DWORD kPathCharacters = 260;
+constexpr int kNameCharacters = 100;
+
+// Outlives every static object's destructor: at process end the engine thread may be gone with the object in use.
+std::shared_ptr<CefModule>& cefModuleInstance() {
+    static auto* instance = std::make_unique<std::shared_ptr<CefModule>>().release();
+    return *instance;
+}
+
+std::wstring findBasePath() {
+    wchar_t buffer[kPathCharacters] = {};
+    if (!Core::getOwnModulePath(buffer, kPathCharacters)) GetModuleFileNameW(nullptr, buffer, kPathCharacters);
+    std::wstring path = buffer;
+    const size_t cut = path.find_last_of(L"\\/");
+    return cut == std::wstring::npos ? path : path.substr(0, cut);
+}
+
+std::wstring localeName(LCTYPE what) {
+    wchar_t buffer[kNameCharacters] = {};
+    GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), what, buffer, kNameCharacters);
+    return buffer;
+}
+
+void pinOwnModule() {
+    HMODULE pinned = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<LPCWSTR>(&pinOwnModule), &pinned);
+}
+
+}  // namespace
+
+std::wstring buildLanguageText(const std::wstring& language, const std::wstring& country) {
+    return language + L"-" + country + L"," + language;
+}
+
+void CefModule::QuitTask::Execute() { CefQuitMessageLoop(); }
+
+int CefModule::start(HINSTANCE instance) {
+    std::shared_ptr<CefModule> module(new CefModule(instance));
+    cefModuleInstance() = module;
+    std::weak_ptr<CefModule> watched = module;
+    // A plain pointer: the module object is kept until the thread was joined, or for ever.
+    module->engineThread = std::make_shared<std::thread>(&CefModule::engineThreadMain, module.get());
+    {
+        std::unique_lock lock(module->readyMutex);
+        module->readyCondition.wait(lock, [&watched] {
+            const std::shared_ptr<CefModule> alive = watched.lock();
+            return !alive || alive->ready;
+        });
+    }
+    Core::logDebugA("cef module is ready\n");
+    return -1;
+}
+
+void CefModule::stop() {
+    const std::shared_ptr<CefModule> module = cefModuleInstance();
+    if (!module) return;
+    if (module->engineThread) {
+        CefPostTask(TID_UI, new QuitTask);
+        module->engineThread->join();
+        module->engineThread.reset();
+    }
+    module->releaseLock();
+    cefModuleInstance().reset();
+}
+
+void CefModule::abandon() {
+    if (const std::shared_ptr<CefModule>& module = cefModuleInstance()) module->releaseLock();
+}
+
+CefModule::~CefModule() {
+    if (engineThread && engineThread->joinable()) engineThread->detach();
+}
+
+void CefModule::releaseLock() {
+    releaseCacheLock(cachePath, cacheLockHandle);
+    cacheLockHandle = INVALID_HANDLE_VALUE;
+}
+
+void CefModule::signalReady() {
+    {
+        // Under the lock although `ready` is atomic: a waiter between its test and its sleep must not miss this.
+        const std::lock_guard lock(readyMutex);
+        ready = true;
+    }
+    readyCondition.notify_all();
+}
+
+void CefModule::engineThreadMain() {
+    Core::logDebugA("cef initializing ... \n");
+    pinOwnModule();
+    runEngine();
+}
+
+void CefModule::runEngine() {
+    CefSettings settings;
+    settings.no_sandbox = true;
+    settings.multi_threaded_message_loop = false;
+    settings.windowless_rendering_enabled = true;
+
+    const std::wstring basePath = findBasePath();
+    const bool engineLoaded = loadEngineLibrary(basePath);
+    try {
+        cleanupStaleCaches(basePath);
+    } catch (const std::exception& error) {
+        Core::logDebugA("cache cleanup failed: %s\n", error.what());
+    } catch (...) {
+        Core::logDebugA("cache cleanup failed: unknown error\n");
+    }
+
+    cachePath = selectCacheDirectory(basePath);
+    cacheLockHandle = openCacheLock(cachePath);
+    for (const std::wstring& file : findMissingEngineFiles(basePath)) {
+        Core::logDebugW(L"engine file is missing: %s\n", file.c_str());
+    }
+    if (!engineLoaded) {
+        Core::logDebugA("cef is not loaded; no view will show a page\n");
+        signalReady();
+        return;
+    }
+    // The language text names no pak of its own, also as a locale: the engine then falls back to its default pak.
+    const std::wstring languages = buildLanguageText(localeName(LOCALE_SISO639LANGNAME),
+                                                     localeName(LOCALE_SISO3166CTRYNAME));
+    CefString(&settings.cache_path).FromWString(cachePath);
+    CefString(&settings.browser_subprocess_path).FromWString(selectSubprocess(basePath));
+    CefString(&settings.locales_dir_path).FromWString(basePath + L"\\cefsubprocess\\locales");
+    CefString(&settings.locale).FromWString(languages);
+    CefString(&settings.accept_language_list).FromWString(languages);
+
+    CefRefPtr<WebApp> app = new WebApp;
+    const bool initialized = CefInitialize(CefMainArgs(moduleInstance), settings, app, nullptr);
+    Core::logDebugA("cef is initialized.\n");
+    signalReady();
+    if (!initialized) {
+        Core::logDebugA("cef refused to start; no view will show a page\n");
+        return;
+    }
+    CefRunMessageLoop();
+    Core::logDebugA("cef shutting down\n");
+    CefShutdown();
+    Core::logDebugA("cef is shutdown\n");
+}
+
+}  // namespace ZEMO::UI

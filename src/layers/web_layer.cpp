@@ -1,0 +1,178 @@
+#include "layers/web_layer.h"
+
+#include <cstring>
+#include <utility>
+
+#include "controller/controller_scripts.h"
+#include "engine/javascript_processor.h"
+#include "include/cef_browser.h"
+#include "include/cef_frame.h"
+#include "layers/layer_manager.h"
+#include "layers/page_address.h"
+#include "layers/special_url.h"
+
+namespace ZEMO::UI {
+namespace {
+
+constexpr int kFrameRate = 30;
+
+// The caller's views end at their first NUL, whatever their length says.
+std::string_view untilNul(std::string_view text) {
+    return text.data() ? std::string_view(text.data(), std::strlen(text.data())) : std::string_view();
+}
+
+bool consumesFrames(const WebLayer::Settings& settings) {
+    return settings.hookModule != nullptr || static_cast<bool>(settings.framePresentCallback);
+}
+
+}  // namespace
+
+WebLayer::WebLayer(Settings settings)
+    : ZEMOWindow("Zemo window", settings.windowStyle, settings.size, settings.parentWindow, consumesFrames(settings),
+                 settings.hasSteamDeckKeyboard, settings.steamOverlayActive),
+      closeButtonAction(std::move(settings.closeButtonAction)),
+      controllerScriptUseCallback(std::move(settings.controllerScriptUseCallback)) {
+    adapter = new CefAdapter(std::move(settings.delegate), getViewWindowHandle(), settings.windowStyle,
+                             static_cast<bool>(closeButtonAction), settings.hookModule, settings.hookSleepTime,
+                             std::move(settings.framePresentCallback));
+    adapter->setNoWindow(getViewWindowHandle() == nullptr);
+}
+
+WebLayer::~WebLayer() {
+    adapter->close();
+    controllerScriptUseCallback = nullptr;
+    closeButtonAction = nullptr;
+    layerDestroyHandler = nullptr;
+    windowCloseHandler = nullptr;
+    adapter = nullptr;
+}
+
+void WebLayer::createBrowser(const std::string& address) {
+    CefWindowInfo windowInfo;
+    windowInfo.parent_window = getViewWindowHandle();
+    windowInfo.windowless_rendering_enabled = true;
+    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
+    CefBrowserSettings browserSettings;
+    browserSettings.windowless_frame_rate = kFrameRate;
+    CefBrowserHost::CreateBrowser(windowInfo, adapter, address, browserSettings, nullptr, nullptr);
+}
+
+void WebLayer::navigate(const std::string& address) {
+    adapter->getJavascriptProcessor()->resetPageReady();
+    if (const CefRefPtr<CefBrowser> browser = adapter->getBrowser()) browser->GetMainFrame()->LoadURL(address);
+}
+
+void WebLayer::loadHtml(std::string_view html, std::string_view path, bool reload) {
+    if (reload && !adapter) return;
+    const std::string address = htmlDataAddress(untilNul(html), untilNul(path));
+    reload ? navigate(address) : createBrowser(address);
+}
+
+void WebLayer::loadUrl(std::string url, std::vector<std::shared_ptr<IZEMOWebContent>> items, bool reload) {
+    if (!adapter) return;
+    adapter->setContentItems(std::move(items));
+    // A later load takes names only: web addresses of an open view come as content.
+    reload ? navigate(reloadPageAddress(url)) : createBrowser(firstLoadAddress(url));
+}
+
+void WebLayer::loadPage(std::string nameOrPath, bool reload) {
+    if (!reload) return createBrowser(firstPageAddress(nameOrPath));
+    if (adapter) navigate(localPageAddress(nameOrPath));
+}
+
+void WebLayer::loadContent(std::shared_ptr<IZEMOWebContent> content, bool reload) {
+    if (!content || !adapter) return;
+    const std::string address = content->getUrl().toString();
+    if (content->getKind() == IZEMOWebContent::kKindPost) adapter->setContentItems({content});
+    reload ? navigate(address) : createBrowser(address);
+}
+
+void WebLayer::evaluateJavascript(std::string id, std::string script,
+                                  std::function<void(std::string, std::string)> callback) {
+    adapter->getJavascriptProcessor()->evaluate(std::move(id), std::move(script), std::move(callback));
+}
+
+void WebLayer::addJavascriptCallback(std::string name, std::function<void(std::string)> callback) {
+    adapter->getJavascriptProcessor()->addObjectCallback(std::move(name), std::move(callback));
+}
+
+void WebLayer::bindObject(std::string name, std::string message) {
+    adapter->getJavascriptProcessor()->addObjectMessage(std::move(name), std::move(message));
+}
+
+void WebLayer::goBack() {
+    if (const CefRefPtr<CefBrowser> browser = adapter->getBrowser()) browser->GoBack();
+}
+
+void WebLayer::goForward() {
+    if (const CefRefPtr<CefBrowser> browser = adapter->getBrowser()) browser->GoForward();
+}
+
+bool WebLayer::canGoBack() {
+    const CefRefPtr<CefBrowser> browser = adapter->getBrowser();
+    return browser && browser->CanGoBack();
+}
+
+bool WebLayer::canGoForward() {
+    const CefRefPtr<CefBrowser> browser = adapter->getBrowser();
+    return browser && browser->CanGoForward();
+}
+
+void WebLayer::setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) {
+    adapter->setContentItems(std::move(items));
+}
+
+void WebLayer::setWindowCloseHandler(std::function<void()> handler) {
+    if (!windowCloseHandler) windowCloseHandler = std::move(handler);
+}
+
+void WebLayer::setLayerDestroyHandler(std::function<void()> handler) {
+    if (!layerDestroyHandler) layerDestroyHandler = std::move(handler);
+}
+
+void WebLayer::runInMainFrame(const std::string& script, bool withFrameUrl) {
+    const CefRefPtr<CefBrowser> browser = adapter ? adapter->getBrowser() : nullptr;
+    if (!browser || script.empty()) return;
+    const CefRefPtr<CefFrame> frame = browser->GetMainFrame();
+    if (frame) frame->ExecuteJavaScript(script, withFrameUrl ? frame->GetURL() : CefString(), 0);
+}
+
+void WebLayer::injectControllerScript(const std::string& /*script*/) {}
+
+void WebLayer::onNavigationCompleted() {
+    // A page that is loaded while its layer has the focus hears of the focus now; nobody else would tell it.
+    if (GetForegroundWindow() == getWindowHandle()) onActivated();
+    if (closeButtonAction) {
+        createCloseButton(closeButtonAction);
+        adapter->showCloseButton();
+    }
+}
+
+bool WebLayer::handleSpecialUrl(const std::string& url) {
+    bool use = false;
+    std::string status;
+    switch (classifySpecialUrl(url, ZEMOMultiLayerManager::instance().getGameControllerStatus(), use, status)) {
+        case SpecialUrl::Ordinary:
+            return false;
+        case SpecialUrl::NativeClose:
+            clickCloseButton();
+            return true;
+        case SpecialUrl::GamePadInit:
+        case SpecialUrl::GamePadInitDefaultStatus:
+            break;
+    }
+    controllerScriptActive = use;
+    if (use) runInMainFrame(ControllerScripts::buildInitClientGamePadScript(status), true);
+    if (controllerScriptUseCallback) controllerScriptUseCallback(controllerScriptActive);
+    return true;
+}
+
+void WebLayer::setVisible(bool show, bool keepHookFrame) { adapter->setVisible(show, keepHookFrame); }
+
+void WebLayer::sendImeCommand(uint32_t kind, const std::u16string* text, const uint32_t* repeatCount) {
+    if (adapter) adapter->setImeProcess(kind, text, repeatCount);
+}
+
+void WebLayer::blurActiveElement() { runInMainFrame("document.activeElement.blur();", false); }
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,84 @@
+#include "layers/web_layer.h"
+
+// What the layer's window reports, on that window's thread. Input goes to the browser and is dropped before there is one.
+namespace ZEMO::UI {
+
+bool WebLayer::hasBrowser() { return adapter && adapter->getBrowser(); }
+
+void WebLayer::onSize(const RECT& /*client*/, int /*width*/, int /*height*/) {
+    if (hasBrowser()) adapter->onWindowResized();
+}
+
+void WebLayer::onMaximizeRestore() {
+    if (hasBrowser()) adapter->startWiggleResize();
+}
+
+void WebLayer::onDestroy() {
+    if (layerDestroyHandler) layerDestroyHandler();
+    adapter->markClosing();
+}
+
+void WebLayer::onKillFocus() {}  // the system's on-screen keyboard is not driven yet
+
+void WebLayer::onClose() {
+    if (windowCloseHandler) windowCloseHandler();
+}
+
+void WebLayer::onMouseButton(int button, bool up, int x, int y) {
+    if (hasBrowser()) adapter->sendMouseClick(button, up, x, y);
+}
+
+void WebLayer::onMouseMove(int x, int y, uint32_t modifiers) {
+    if (hasBrowser()) adapter->sendMouseMove(x, y, modifiers);
+}
+
+void WebLayer::onMouseWheel(WPARAM wParam, int x, int y, bool horizontal, bool clientCoordinates) {
+    if (hasBrowser()) adapter->sendMouseWheel(wParam, x, y, horizontal, clientCoordinates);
+}
+
+void WebLayer::onKey(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (hasBrowser()) adapter->sendKey(message, wParam, lParam);
+}
+
+void WebLayer::onPointer(UINT message, uint32_t pointerId, int x, int y) {
+    if (hasBrowser()) adapter->sendTouch(pointerId, x, y, message);
+}
+
+void WebLayer::onImeSetContext() {
+    if (adapter) adapter->onImeSetContext();
+}
+
+void WebLayer::onImeStartComposition() {
+    if (adapter) adapter->onImeStartComposition();
+}
+
+void WebLayer::onImeComposition(LPARAM flags) {
+    if (adapter) adapter->onImeComposition(flags);
+}
+
+void WebLayer::onImeEndComposition() {
+    if (adapter) adapter->onImeEndComposition();
+}
+
+void WebLayer::onImeFocusChange(bool enable) {
+    if (adapter) adapter->onImeFocusChange(enable);
+}
+
+void WebLayer::onImeBoundsChanged() {
+    if (adapter) adapter->onImeBoundsChanged();
+}
+
+bool WebLayer::onImeQueryCharPosition(IMECHARPOSITION* position) {
+    return adapter && adapter->onImeQueryCharPosition(position);
+}
+
+// The page hears of the focus, and of controller input, by scripts that are not part of this build yet.
+void WebLayer::onActivated() {}
+void WebLayer::onDeactivated() {}
+void WebLayer::onExternalScript(const std::string& /*payload*/) {}
+
+void WebLayer::onExternalText(const std::string& text) {
+    if (adapter) adapter->commitImeText(text);
+}
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <windows.h>
+
+namespace ZEMO::UI {
+
+using XInputEnableFunction = void(WINAPI*)(BOOL enable);
+
+/// The system's XInputEnable, found by name at the first use; null where no version of XInput that has it is installed.
+XInputEnableFunction systemXInputEnable();
+
+/// While XInput is off, the process reads a neutral controller. Any thread.
+void setXInputEnabled(bool enabled);
+
+/// What setXInputEnabled calls instead of the system's function; null for the system's. There is no way to read the
+/// switch back without a controller, so this is where a test looks.
+extern XInputEnableFunction xinputEnableOverride;
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,61 @@
+#include "layers/zemo_window.h"
+
+#include "layers/cursor_restore.h"
+#include "layers/window_message.h"
+
+namespace ZEMO::UI {
+
+ZEMOWindow::ZEMOWindow(const char* title, WindowStyle windowStyle, Size size, HWND parentWindow,
+                       bool frameConsumerActive, bool steamDeck, bool steamOverlayActive)
+    : parentWindow(parentWindow),
+      title(title),
+      windowStyle(windowStyle),
+      width(size.width),
+      height(size.height),
+      frameConsumerActive(frameConsumerActive),
+      steamDeck(steamDeck),
+      steamOverlayActive(steamOverlayActive) {
+    if (windowStyle == WindowStyle::Layer) {
+        window = parentWindow;
+        customCursor = customCursorLoader.load();
+    } else {
+        createOwnWindow();
+    }
+    CursorRestore::addUser(parentWindow);
+}
+
+ZEMOWindow::~ZEMOWindow() {
+    if (ownWindow) ownWindow->clearUserData();
+    CursorRestore::removeUser();
+    InvalidateRect(window, nullptr, TRUE);
+    viewChild.reset();
+    closeButtonShown = nullptr;
+    closeButton.reset();
+}
+
+void ZEMOWindow::createCloseButton(std::function<void()> callback) {
+    if (closeButton) return;
+    auto button = std::make_unique<XButton>(window);
+    RECT client{};
+    GetClientRect(window, &client);
+    button->onResize(client);
+    button->setClickCallback(std::move(callback));
+    closeButton = std::move(button);
+    closeButtonShown.store(closeButton.get(), std::memory_order_release);
+}
+
+void ZEMOWindow::clickCloseButton() {
+    if (IXbtn* button = closeButtonIfShown()) button->click();
+}
+
+bool ZEMOWindow::isOnCloseButton(const WindowMessage& m) const {
+    IXbtn* button = closeButtonIfShown();
+    return button && button->hitTest(m.cursor(), m.client());
+}
+
+void ZEMOWindow::setViewChild(std::shared_ptr<ZEMOExtraWindowForSteamdeck> child, HWND childWindow) {
+    viewChild = std::move(child);
+    viewChildWindow = childWindow;
+}
+
+}  // namespace ZEMO::UI

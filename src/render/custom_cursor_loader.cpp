@@ -1,0 +1,89 @@
+#include "render/custom_cursor_loader.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "render/cursor_file.h"
+#include "render/image_cursor.h"
+
+namespace ZEMO::UI {
+namespace {
+
+namespace fs = std::filesystem;
+
+// An own search, not the shared one: this one says nothing when it fails.
+std::wstring libraryDirectory() {
+    constexpr DWORD kSize = 260;
+    wchar_t path[kSize] = {};
+    HMODULE module = nullptr;
+    DWORD length = 0;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           reinterpret_cast<const wchar_t*>(&libraryDirectory), &module)) {
+        length = GetModuleFileNameW(module, path, kSize);
+    }
+    if (length == 0 || length == kSize) length = GetModuleFileNameW(nullptr, path, kSize);
+    const std::wstring file(path, length);
+    const size_t separator = file.find_last_of(L"\\/");
+    return separator == std::wstring::npos ? std::wstring() : file.substr(0, separator);
+}
+
+bool fileExists(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::status_known(status)) throw fs::filesystem_error("exists", path, error);
+    return fs::exists(status);
+}
+
+std::vector<uint8_t> readFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad()) bytes.clear();
+    return bytes;
+}
+
+bool validateDirectory(const fs::path& path, int requestedSize, int expectedType) {
+    return cursorDirectoryIsValid(readFile(path), requestedSize, expectedType);
+}
+
+HANDLE loadFromFile(const std::wstring& path, UINT type, int size) {
+    return LoadImageW(GetModuleHandleW(nullptr), path.c_str(), type, size, size, LR_LOADFROMFILE);
+}
+
+Core::UniqueCursor loadCandidate(const std::wstring& path, int size) {
+    const fs::path extension = fs::path(path).extension();
+    if (!fileExists(path)) return {};
+    if (extension == L".cur" && validateDirectory(path, size, kCursorFileType)) {
+        return Core::UniqueCursor(static_cast<HCURSOR>(loadFromFile(path, IMAGE_CURSOR, size)));
+    }
+    if (extension == L".ico" && validateDirectory(path, size, kIconFileType)) {
+        Core::UniqueIcon icon(static_cast<HICON>(loadFromFile(path, IMAGE_ICON, size)));
+        return icon ? iconToCursor(std::move(icon)) : Core::UniqueCursor();
+    }
+    if (extension == L".png") return pngToCursor(path);
+    return {};
+}
+
+}  // namespace
+
+HCURSOR CustomCursorLoader::load() {
+    const std::map<std::wstring, int> candidates = {
+        {L"resources/customcursor.cur", 0}, {L"resources/customcursor.ico", 0}, {L"resources/customcursor.png", 0}};
+    const std::wstring directory = baseDirectory.empty() ? libraryDirectory() : baseDirectory;
+    std::map<std::wstring, int> files;  // sorted by path: this is the order of trial
+    for (const auto& [relativePath, size] : candidates) files[directory + L"\\" + relativePath] = size;
+
+    cursor.reset();
+    for (const auto& [path, size] : files) {
+        cursor = loadCandidate(path, size);
+        if (cursor) break;
+    }
+    return cursor.get();
+}
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "core/unique_handle.h"
+
+namespace ZEMO::UI {
+
+/// Finds the mouse cursor that a game ships as resources/customcursor.cur, .ico or .png, in this order. Files that are
+/// missing, broken or of another kind are passed over, without a log line. On the thread that creates the window.
+class CustomCursorLoader {
+public:
+    /// `baseDirectory`: what the candidates are relative to, without a separator at its end. Empty: the directory of
+    /// this library, or of the game's executable when the former is unknown.
+    explicit CustomCursorLoader(std::wstring baseDirectory = {}) : baseDirectory(std::move(baseDirectory)) {}
+
+    /// The cursor, or null. It belongs to the loader and lives as long. Throws std::filesystem::filesystem_error when
+    /// the system cannot tell whether a candidate exists.
+    HCURSOR load();
+
+private:
+    std::wstring baseDirectory;
+    Core::UniqueCursor cursor;
+};
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,302 @@
+#include "engine/game_host.h"
+
+#include <tlhelp32.h>
+#include <winternl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <format>
+#include <iostream>
+#include <ostream>
+
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb_image_write.h>
+
+namespace ZEMO::Test {
+namespace {
+
+constexpr wchar_t kGameClass[] = L"ZEMOTestGameWindow";
+
+// Wakes the waiting game thread whenever a recorder has something new.
+HANDLE wakeEvent() {
+    static const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    return event;
+}
+
+struct CloseHandleDeleter {
+    void operator()(void* handle) const { CloseHandle(handle); }
+};
+using OwnedHandle = std::unique_ptr<void, CloseHandleDeleter>;
+
+class AddressItem final : public ZEMO::UI::IZEMOWebContent {
+   public:
+    explicit AddressItem(const std::string& address) : url(address) {}
+    const ZEMO::Core::IURL& getUrl() const override { return url; }
+    int getKind() const override { return 0; }
+
+   private:
+    ZEMO::Core::URL url;
+};
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const FrameRect& rect) {
+    return out << std::format("({}, {}) {}x{}", rect.x, rect.y, rect.width, rect.height);
+}
+
+ZEMO::UI::OsrFramePresentCallback FrameRecorder::callback() {
+    return [this](const void* pixels, int width, int height, int x, int y, int w, int h) {
+        take(pixels, width, height, {x, y, w, h});
+    };
+}
+
+void FrameRecorder::take(const void* pixels, int width, int height, FrameRect dirty) {
+    {
+        const std::lock_guard lock(mutex);
+        calls.push_back({width, height, dirty, pixels == nullptr});
+        if (pixels) {
+            const auto* source = static_cast<const uint32_t*>(pixels);
+            if (imageWidth != width || imageHeight != height) {
+                imageWidth = width;
+                imageHeight = height;
+                image.assign(static_cast<size_t>(width) * height, 0);
+            }
+            for (int y = dirty.y; y < dirty.y + dirty.height; ++y) {
+                const size_t offset = static_cast<size_t>(y) * width + dirty.x;
+                std::copy_n(source + offset, dirty.width, image.begin() + static_cast<std::ptrdiff_t>(offset));
+            }
+            matches = matches && std::equal(image.begin(), image.end(), source);
+        }
+    }
+    SetEvent(wakeEvent());
+}
+
+std::vector<Frame> FrameRecorder::frames() const {
+    const std::lock_guard lock(mutex);
+    return calls;
+}
+
+size_t FrameRecorder::frameCount() const {
+    const std::lock_guard lock(mutex);
+    return calls.size();
+}
+
+Frame FrameRecorder::lastFrame() const {
+    const std::lock_guard lock(mutex);
+    return calls.empty() ? Frame{} : calls.back();
+}
+
+uint32_t FrameRecorder::pixel(int x, int y) const {
+    const std::lock_guard lock(mutex);
+    if (x < 0 || y < 0 || x >= imageWidth || y >= imageHeight) return 0;
+    return image[static_cast<size_t>(y) * imageWidth + x];
+}
+
+std::vector<uint32_t> FrameRecorder::picture(int* width, int* height) const {
+    const std::lock_guard lock(mutex);
+    *width = imageWidth;
+    *height = imageHeight;
+    return image;
+}
+
+bool FrameRecorder::replayMatches() const {
+    const std::lock_guard lock(mutex);
+    return matches;
+}
+
+void FrameRecorder::forgetFrames() {
+    const std::lock_guard lock(mutex);
+    calls.clear();
+}
+
+bool FrameRecorder::savePng(const std::string& path) const {
+    int width = 0;
+    int height = 0;
+    std::vector<uint32_t> pixels = picture(&width, &height);
+    for (uint32_t& pixel : pixels) {
+        pixel = (pixel & 0xFF00FF00u) | ((pixel >> 16) & 0xFFu) | ((pixel & 0xFFu) << 16);
+    }
+    return width > 0 && stbi_write_png(path.c_str(), width, height, 4, pixels.data(), width * 4) != 0;
+}
+
+void NavigationRecorder::add(std::string event) {
+    {
+        const std::lock_guard lock(mutex);
+        list.push_back(std::move(event));
+    }
+    SetEvent(wakeEvent());
+}
+
+void NavigationRecorder::navigationStarting(std::shared_ptr<ZEMO::UI::IZEMOWebView>) { add("starting"); }
+
+void NavigationRecorder::navigationFailed(std::shared_ptr<ZEMO::UI::IZEMOWebView>, const std::error_code& error) {
+    add(std::format("failed {}", error.value()));
+}
+
+void NavigationRecorder::navigationCompleted(std::shared_ptr<ZEMO::UI::IZEMOWebView>) { add("completed"); }
+
+bool NavigationRecorder::navigationRequested(std::shared_ptr<ZEMO::UI::IZEMOWebView>, std::string url) {
+    const bool handled = decide && decide(url);
+    add("requested " + url);
+    return handled;
+}
+
+void NavigationRecorder::closeRequested() { add("closeRequested"); }
+
+std::vector<std::string> NavigationRecorder::events() const {
+    const std::lock_guard lock(mutex);
+    return list;
+}
+
+size_t NavigationRecorder::count(const std::string& event) const {
+    const std::lock_guard lock(mutex);
+    return static_cast<size_t>(std::count(list.begin(), list.end(), event));
+}
+
+void NavigationRecorder::forget() {
+    const std::lock_guard lock(mutex);
+    list.clear();
+}
+
+std::shared_ptr<ZEMO::UI::IZEMOWebContent> addressItem(const std::string& address) {
+    return std::make_shared<AddressItem>(address);
+}
+
+LRESULT CALLBACK GameHost::windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (auto* host = reinterpret_cast<GameHost*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA))) {
+        host->gameMessages.push_back(message);
+    }
+    if (message == WM_PAINT) {
+        ValidateRect(hwnd, nullptr);
+        return 0;
+    }
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+GameHost::GameHost(Options options) {
+    if (options.mainWindow) {
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = &GameHost::windowProc;
+        windowClass.hInstance = GetModuleHandleW(nullptr);
+        windowClass.hCursor = LoadCursorW(nullptr, IDC_CROSS);
+        windowClass.lpszClassName = kGameClass;
+        RegisterClassW(&windowClass);
+        RECT rect{0, 0, options.clientWidth, options.clientHeight};
+        AdjustWindowRect(&rect, WS_OVERLAPPEDWINDOW, FALSE);
+        window = CreateWindowExW(0, kGameClass, L"game", WS_OVERLAPPEDWINDOW, 40, 40, rect.right - rect.left,
+                                 rect.bottom - rect.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        ShowWindow(window, SW_SHOWNORMAL);
+        pass(50ms);
+        resizeClient(options.clientWidth, options.clientHeight);
+    }
+    if (options.disableGpuCompositing) ZEMO::UI::setUIEngineOsrRenderEnabled(1);
+    if (options.startLibrary) ZEMO::UI::InitUILibrary();
+    if (options.presentCallback) ZEMO::UI::setUIOsrFramePresentCallback(frames.callback());
+}
+
+GameHost::~GameHost() {
+    ZEMO::UI::setUIOsrFramePresentCallback(nullptr);
+    if (window) {
+        SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+        DestroyWindow(window);
+    }
+}
+
+std::shared_ptr<ZEMO::UI::IZEMOWebView> GameHost::makeView(const std::string& address, NavigationRecorder& recorder) {
+    auto view = ZEMO::UI::createWebViewDefault();
+    // The recorder belongs to the test and outlives the view; the pointer only keeps the view's weak reference alive.
+    delegates.emplace_back(&recorder, [](auto*) {});
+    view->setWebViewDelegate(delegates.back());
+    view->loadContent(addressItem(address));
+    return view;
+}
+
+bool GameHost::waitFor(const char* what, const std::function<bool()>& done, std::chrono::milliseconds timeout) {
+    const auto end = std::chrono::steady_clock::now() + timeout;
+    const HANDLE wake = wakeEvent();
+    while (!done()) {
+        if (std::chrono::steady_clock::now() >= end) {
+            std::cerr << "gave up waiting for " << what << std::endl;
+            return false;
+        }
+        MsgWaitForMultipleObjects(1, &wake, FALSE, 20, QS_ALLINPUT);
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    return true;
+}
+
+void GameHost::pass(std::chrono::milliseconds span) {
+    const auto end = std::chrono::steady_clock::now() + span;
+    while (std::chrono::steady_clock::now() < end) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+}
+
+void GameHost::resizeClient(int width, int height) {
+    // The window manager has the last word on a size; ask until the client area is right.
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        RECT client{};
+        GetClientRect(window, &client);
+        if (client.right == width && client.bottom == height) return;
+        RECT outer{};
+        GetWindowRect(window, &outer);
+        SetWindowPos(window, nullptr, 0, 0, outer.right - outer.left + width - client.right,
+                     outer.bottom - outer.top + height - client.bottom, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+        pass(30ms);
+    }
+    std::cerr << "the game window did not take the size " << width << "x" << height << std::endl;
+}
+
+std::vector<DWORD> childProcesses() {
+    std::vector<DWORD> children;
+    const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(snapshot.get(), &entry); more; more = Process32NextW(snapshot.get(), &entry)) {
+        if (entry.th32ParentProcessID == GetCurrentProcessId()) children.push_back(entry.th32ProcessID);
+    }
+    return children;
+}
+
+std::string childType(DWORD processId) {
+    const OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
+    if (!process) return {};
+    PROCESS_BASIC_INFORMATION basic{};
+    if (NtQueryInformationProcess(process.get(), ProcessBasicInformation, &basic, sizeof basic, nullptr)) return {};
+    const auto read = [&](const void* address, void* to, size_t bytes) {
+        SIZE_T done = 0;
+        return ReadProcessMemory(process.get(), address, to, bytes, &done) && done == bytes;
+    };
+    PEB peb{};
+    RTL_USER_PROCESS_PARAMETERS parameters{};
+    if (!read(basic.PebBaseAddress, &peb, sizeof peb)) return {};
+    if (!read(peb.ProcessParameters, &parameters, sizeof parameters)) return {};
+    std::wstring line(parameters.CommandLine.Length / sizeof(wchar_t), L'\0');
+    if (!read(parameters.CommandLine.Buffer, line.data(), parameters.CommandLine.Length)) return {};
+    const size_t at = line.find(L"--type=");
+    if (at == std::wstring::npos) return {};
+    std::string type;
+    for (size_t i = at + 7; i < line.size() && line[i] != L' ' && line[i] != L'"'; ++i) {
+        type += static_cast<char>(line[i]);
+    }
+    return type;
+}
+
+bool killProcess(DWORD processId) {
+    const OwnedHandle process(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, processId));
+    return process && TerminateProcess(process.get(), 1) && WaitForSingleObject(process.get(), 10'000) == WAIT_OBJECT_0;
+}
+
+std::string solidPage(const std::string& cssColor) {
+    return "<!doctype html><style>html,body{margin:0;height:100%;background:" + cssColor + "}</style>";
+}
+
+}  // namespace ZEMO::Test

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "core/platform_text.h"
+#include "support/helper_process.h"
+#include "zemo/platform.h"
+
+namespace {
+
+using namespace ZEMO::Test;
+using ZEMO::Platform::Misc::getProcessorID;
+
+// A copy of the probe under a name of the test's choice, waiting until the test ends it.
+class NamedProgram {
+public:
+    explicit NamedProgram(const std::wstring& fileName) {
+        wchar_t temporary[MAX_PATH] = {};
+        GetTempPathW(MAX_PATH, temporary);
+        folder_ = std::wstring(temporary) + L"zemo_named_" + std::to_wstring(GetCurrentProcessId());
+        CreateDirectoryW(folder_.c_str(), nullptr);
+        path_ = folder_ + L"\\" + fileName;
+        CopyFileW(helperPath(L"platform_probe.exe").c_str(), path_.c_str(), FALSE);
+    }
+    ~NamedProgram() {
+        for (int i = 0; i < 200 && !DeleteFileW(path_.c_str()); ++i) Sleep(20);  // it closes a moment after the end
+        RemoveDirectoryW(folder_.c_str());
+    }
+    const std::wstring& path() const { return path_; }
+
+private:
+    std::wstring folder_, path_;
+};
+
+std::string own(const std::string& text) { return text + std::to_string(GetCurrentProcessId()) + ".exe"; }
+
+bool waits(HelperProcess& process) { return process.line("ready").has_value(); }
+
+TEST(PlatformProcess, RunningProgram_FoundByItsFileName) {
+    const std::string name = own("zemo_named_");
+    const NamedProgram program(ZEMO::Core::utf8ToWide(name));
+    EXPECT_EQ(getProcessorID(name), 0);
+    {
+        HelperProcess process(program.path(), {L"ready", L"pump"});
+        ASSERT_TRUE(waits(process)) << process.output();
+        EXPECT_EQ(getProcessorID(name), static_cast<long>(process.id()));
+    }
+    EXPECT_EQ(getProcessorID(name), 0);
+}
+
+TEST(PlatformProcess, UpperCaseName_FindsLowerCaseProgram) {
+    const NamedProgram program(L"chrome.exe");
+    HelperProcess process(program.path(), {L"ready", L"pump"});
+    ASSERT_TRUE(waits(process)) << process.output();
+    const long id = getProcessorID("CHROME.EXE");
+    ASSERT_NE(id, 0);
+    // Another test may run a program of that name as well: whichever was found must be one.
+    const HANDLE found = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(id));
+    ASSERT_NE(found, nullptr);
+    wchar_t path[1024] = {};
+    DWORD size = 1024;
+    const BOOL named = QueryFullProcessImageNameW(found, 0, path, &size);
+    CloseHandle(found);
+    ASSERT_TRUE(named);
+    EXPECT_TRUE(std::wstring(path).ends_with(L"\\chrome.exe")) << ZEMO::Core::wideToUtf8(path);
+}
+
+TEST(PlatformProcess, KoreanName_Found) {
+    const std::string name = own("게임_");
+    const NamedProgram program(ZEMO::Core::utf8ToWide(name));
+    HelperProcess process(program.path(), {L"ready", L"pump"});
+    ASSERT_TRUE(waits(process)) << process.output();
+    EXPECT_EQ(getProcessorID(name), static_cast<long>(process.id()));
+}
+
+TEST(PlatformProcess, TwoOfTheName_OneOfThemAndAfterItsEndTheOther) {
+    const std::string name = own("zemo_twice_");
+    const NamedProgram program(ZEMO::Core::utf8ToWide(name));
+    HelperProcess first(program.path(), {L"ready", L"pump"});
+    HelperProcess second(program.path(), {L"ready", L"pump"});
+    ASSERT_TRUE(waits(first) && waits(second));
+    const auto found = static_cast<DWORD>(getProcessorID(name));
+    ASSERT_TRUE(found == first.id() || found == second.id());
+    (found == first.id() ? first : second).terminate();
+    EXPECT_EQ(static_cast<DWORD>(getProcessorID(name)), found == first.id() ? second.id() : first.id());
+}
+
+TEST(PlatformProcess, OnlyAPartOfTheName_NotFound) {
+    const std::string name = own("zemo_part_");
+    const NamedProgram program(ZEMO::Core::utf8ToWide(name));
+    HelperProcess process(program.path(), {L"ready", L"pump"});
+    ASSERT_TRUE(waits(process)) << process.output();
+    EXPECT_EQ(getProcessorID(name.substr(0, name.size() - 4)), 0);
+    EXPECT_EQ(getProcessorID("x" + name), 0);
+    EXPECT_EQ(getProcessorID(ZEMO::Core::wideToUtf8(program.path())), 0);
+    EXPECT_EQ(getProcessorID(name), static_cast<long>(process.id()));
+}
+
+TEST(PlatformProcess, NothingOfTheName_Zero) {
+    EXPECT_EQ(getProcessorID("no such program.exe"), 0);
+    EXPECT_EQ(getProcessorID(std::string(100000, 'x')), 0);
+}
+
+TEST(PlatformProcess, NameIsNoUtf8_RaisesRangeError) {
+    const std::string kBroken[] = {
+        "\xFF", "a\x80", "\xE2\x82", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "x\xC3(y.exe", "\xED\x95\x9C\xEA"};
+    for (const auto& name : kBroken)
+        EXPECT_THROW(getProcessorID(name), std::range_error) << testing::PrintToString(name);
+}
+
+}  // namespace

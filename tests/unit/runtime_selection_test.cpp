@@ -1,0 +1,192 @@
+#include "engine/runtime_selection.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <format>
+#include <fstream>
+
+#include "engine/engine_files.h"
+
+namespace ZEMO::UI {
+namespace fs = std::filesystem;
+
+/// A directory as it stands beside the library: with a blank and Korean letters in its path.
+class RuntimeSelection : public ::testing::Test {
+   protected:
+    RuntimeSelection()
+        : base(fs::temp_directory_path() / std::format(L"zemo 런타임 {}", GetCurrentProcessId())) {
+        fs::create_directories(base);
+    }
+    ~RuntimeSelection() override {
+        std::error_code ignored;
+        fs::remove_all(base, ignored);
+    }
+    fs::path makeDirectory(const wchar_t* name) {
+        fs::create_directories(base / name / L"inner");
+        std::ofstream(base / name / L"inner" / L"data") << "x";
+        return base / name;
+    }
+    void makeFile(const fs::path& path) {
+        fs::create_directories(path.parent_path());
+        std::ofstream(path) << "x";
+    }
+    /// A library that is nothing but a version resource.
+    void makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build);
+    fs::path base;
+};
+
+void RuntimeSelection::makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build) {
+    const fs::path file = base / L"libcef.dll";
+    wchar_t self[MAX_PATH];
+    GetModuleFileNameW(GetModuleHandleW(L"version.dll"), self, MAX_PATH);
+    fs::copy_file(self, file, fs::copy_options::overwrite_existing);
+    struct {
+        WORD length, valueLength, type;
+        wchar_t key[16];
+        WORD padding;
+        VS_FIXEDFILEINFO info;
+    } block{};
+    block.length = sizeof block;
+    block.valueLength = sizeof block.info;
+    wcscpy(block.key, L"VS_VERSION_INFO");
+    block.info.dwSignature = VS_FFI_SIGNATURE;
+    block.info.dwStrucVersion = VS_FFI_STRUCVERSION;
+    block.info.dwFileVersionMS = MAKELONG(minor, major);
+    block.info.dwFileVersionLS = MAKELONG(build, patch);
+    const HANDLE update = BeginUpdateResourceW(file.c_str(), TRUE);
+    ASSERT_TRUE(update) << GetLastError();
+    ASSERT_TRUE(UpdateResourceW(update, RT_VERSION, MAKEINTRESOURCEW(VS_VERSION_INFO), 0, &block, sizeof block));
+    ASSERT_TRUE(EndUpdateResourceW(update, FALSE)) << GetLastError();
+}
+
+TEST_F(RuntimeSelection, CleanUp_DirectoryNames_OnlyDeadProcessesCachesGo) {
+    struct Case {
+        const wchar_t* name;
+        bool removed;
+    };
+    const Case cases[] = {
+        {L"cache", false},        // the shared one
+        {L"cache123", true},      // of a process that is gone
+        {L"cache123abc", true},   // digits count, whatever follows
+        {L"cachefiles", false},   // no number
+        {L"CACHE124", false},     // the prefix is exact
+        {L"cache77", false},      // of a running process
+        {L"mycache125", false},   // must begin with it
+        {L"cach126", false},
+        {L"cache0", false},
+    };
+    for (const Case& each : cases) makeDirectory(each.name);
+    makeFile(base / L"cache127");  // a file is no cache
+    cleanupStaleCaches(base.wstring(), {77});
+    for (const Case& each : cases) EXPECT_EQ(!fs::exists(base / each.name), each.removed) << fs::path(each.name);
+    EXPECT_TRUE(fs::exists(base / L"cache127"));
+}
+
+TEST_F(RuntimeSelection, CleanUp_OwnProcessRunning_OwnCacheStays) {
+    const std::wstring own = L"cache" + std::to_wstring(GetCurrentProcessId());
+    makeDirectory(own.c_str());
+    cleanupStaleCaches(base.wstring());
+    EXPECT_TRUE(fs::exists(base / own));
+}
+
+TEST_F(RuntimeSelection, CleanUp_NoProcessKnown_EveryNumberedCacheIsStale) {
+    makeDirectory(L"cache5");
+    makeDirectory(L"cache6");
+    cleanupStaleCaches(base.wstring(), {});
+    EXPECT_FALSE(fs::exists(base / L"cache5"));
+    EXPECT_FALSE(fs::exists(base / L"cache6"));
+}
+
+TEST_F(RuntimeSelection, CleanUp_BaseMissing_ThrowsWithTheOperationName) {
+    try {
+        cleanupStaleCaches((base / L"none").wstring(), {});
+        FAIL() << "no exception";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_NE(std::string(error.what()).find("directory_iterator::directory_iterator"), std::string::npos);
+    }
+}
+
+TEST_F(RuntimeSelection, CleanUp_FileInUse_ThrowsRemoveAll) {
+    const fs::path cache = makeDirectory(L"cache9");
+    const HANDLE held = CreateFileW((cache / L"inner" / L"data").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    try {
+        cleanupStaleCaches(base.wstring(), {});
+        ADD_FAILURE() << "no exception";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_NE(std::string(error.what()).find("remove_all"), std::string::npos) << error.what();
+    }
+    CloseHandle(held);
+}
+
+TEST_F(RuntimeSelection, Lock_HeldByAnother_SecondOpenFailsAndOwnCacheIsUsed) {
+    const std::wstring shared = (base / L"cache").wstring();
+    EXPECT_EQ(selectCacheDirectory(base.wstring()), shared);
+    EXPECT_TRUE(fs::is_directory(shared)) << "asking makes the directory";
+    const HANDLE lock = openCacheLock(shared);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(isCacheLocked(shared));
+    EXPECT_EQ(openCacheLock(shared), INVALID_HANDLE_VALUE);
+    const std::wstring own = shared + std::to_wstring(GetCurrentProcessId());
+    EXPECT_EQ(selectCacheDirectory(base.wstring()), own);
+    EXPECT_TRUE(fs::is_directory(own));
+    EXPECT_EQ(selectCacheDirectory(base.wstring()), own) << "an existing own cache is no failure";
+    releaseCacheLock(shared, lock);
+    EXPECT_FALSE(fs::exists(shared + L"\\cef.lock"));
+    EXPECT_FALSE(isCacheLocked(shared));
+}
+
+TEST_F(RuntimeSelection, Lock_InvalidHandleReleased_FileStays) {
+    makeFile(base / L"cache" / L"cef.lock");
+    releaseCacheLock((base / L"cache").wstring(), INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(fs::exists(base / L"cache" / L"cef.lock"));
+}
+
+TEST_F(RuntimeSelection, Cache_OwnDirectoryCanNotBeMade_ThrowsCreateDirectory) {
+    const std::wstring shared = (base / L"cache").wstring();
+    fs::create_directories(shared);
+    const HANDLE lock = openCacheLock(shared);
+    makeFile(shared + std::to_wstring(GetCurrentProcessId()));
+    try {
+        selectCacheDirectory(base.wstring());
+        ADD_FAILURE() << "no exception";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_NE(std::string(error.what()).find("create_directory"), std::string::npos) << error.what();
+    }
+    releaseCacheLock(shared, lock);
+}
+
+TEST_F(RuntimeSelection, Subprocess_PlainThere_IsUsedWithoutReadingTheEngine) {
+    makeFile(base / L"cefsubprocess" / L"cef.subprocess.exe");
+    makeFile(base / L"libcef.dll");  // no library at all: reading it would give an empty version
+    EXPECT_EQ(selectSubprocess(base.wstring()), (base / L"cefsubprocess" / L"cef.subprocess.exe").wstring());
+}
+
+TEST_F(RuntimeSelection, Subprocess_OnlyVersioned_NamedByTheEnginesThreeNumbers) {
+    makeEngineLibrary(119, 4, 3, 7);
+    EXPECT_EQ(getEngineFileVersion(base.wstring()), L"119.4.3");
+    EXPECT_EQ(selectSubprocess(base.wstring()), base.wstring() + L"\\cefsubprocess_119.4.3\\cef.subprocess.exe");
+}
+
+TEST_F(RuntimeSelection, Subprocess_NoEngine_VersionTextIsEmpty) {
+    EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
+    EXPECT_EQ(selectSubprocess(base.wstring()), base.wstring() + L"\\cefsubprocess_\\cef.subprocess.exe");
+}
+
+TEST_F(RuntimeSelection, Version_FileWithoutResource_IsEmpty) {
+    makeFile(base / L"libcef.dll");
+    EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
+}
+
+TEST_F(RuntimeSelection, EngineFiles_NoneThere_EachRequiredFileIsNamed) {
+    const std::vector<std::wstring> all = findMissingEngineFiles(base.wstring());
+    EXPECT_EQ(all, (std::vector<std::wstring>{L"libcef.dll", L"chrome_elf.dll", L"icudtl.dat",
+                                              L"v8_context_snapshot.bin", L"cefsubprocess\\locales\\en-US.pak"}));
+    for (const std::wstring& name : all) makeFile(base / name);
+    EXPECT_TRUE(findMissingEngineFiles(base.wstring()).empty());
+    fs::remove(base / L"icudtl.dat");
+    EXPECT_EQ(findMissingEngineFiles(base.wstring()), std::vector<std::wstring>{L"icudtl.dat"});
+}
+
+}  // namespace ZEMO::UI

@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include "layers/close_button.h"
+#include "layers/track_mouse_leave.h"
+#include "render/display_scale.h"
+#include "window/window_test_support.h"
+
+namespace ZEMO::UI::test {
+namespace {
+
+/// A layer with a close button on a game window whose client area is exactly 1000 pixels wide.
+class CloseButtonWindow : public testing::Test {
+protected:
+    CloseButtonWindow() : frame(frameFor(1000, 600)) {
+        SetWindowPos(fixture.game.handle(), nullptr, 60, 60, frame.cx, frame.cy, SWP_NOZORDER);
+        RecordingLayer::Options options;
+        options.parent = fixture.game.handle();
+        layer = ZEMOWindow::create<RecordingLayer>(options, journal);
+        layer->setCustomCursor(nullptr);
+        layer->createCloseButton([this] { journal->add("clicked"); });
+        ZEMOMultiLayerManager::instance().addLayer(layer);
+    }
+    ~CloseButtonWindow() override { ZEMOMultiLayerManager::instance().removeLayer(layer); }
+
+    static SIZE frameFor(LONG width, LONG height) {
+        RECT r{0, 0, width, height};
+        AdjustWindowRectEx(&r, WS_OVERLAPPEDWINDOW, FALSE, WS_EX_TOPMOST);
+        return {r.right - r.left, r.bottom - r.top};
+    }
+
+    /// A press with the cursor at this client point: true when the button took it.
+    bool pressAt(LONG x, LONG y) {
+        const CursorAt at(clientToScreen(fixture.game.handle(), {x, y}));
+        bool clicked = false;
+        fixture.game.onThread([&] {
+            CursorAt::hold([&] {
+                journal->clear();
+                fixture.game.probe(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
+                clicked = journal->count("clicked") == 1;
+                EXPECT_NE(clicked, journal->count("onMouseButton(0,0,1,1)") == 1);
+            });
+        });
+        return clicked;
+    }
+
+    SubclassedGame fixture;
+    SIZE frame;
+    std::shared_ptr<Journal> journal = std::make_shared<Journal>();
+    std::shared_ptr<RecordingLayer> layer;
+};
+
+TEST_F(CloseButtonWindow, PressesAtTheEdges_HitInsideAndMissOutside) {
+    ASSERT_EQ(fixture.game.client().right, 1000);
+    ASSERT_EQ(getWindowScale(fixture.game.handle()), 1.0f) << "the places below are those of scale 1";
+    struct Place {
+        LONG x, y;
+        bool hit;
+    };
+    const std::vector<Place> places = {
+        {944, 20, true},  {943, 20, false}, {944, 19, false}, {979, 55, true}, {980, 20, false},
+        {979, 56, false}, {980, 55, false}, {962, 38, true},  {999, 0, false}, {500, 300, false},
+    };
+    ASSERT_EQ(places.size(), 10u);
+    for (const Place& place : places) EXPECT_EQ(pressAt(place.x, place.y), place.hit) << place.x << ", " << place.y;
+}
+
+TEST_F(CloseButtonWindow, WindowMadeNarrower_ButtonMovesWithTheRightEdge) {
+    const SIZE narrow = frameFor(500, 400);
+    SetWindowPos(fixture.game.handle(), nullptr, 60, 60, narrow.cx, narrow.cy, SWP_NOZORDER);
+    ASSERT_EQ(fixture.game.client().right, 500);
+    EXPECT_TRUE(pressAt(444, 20));
+    EXPECT_TRUE(pressAt(479, 55));
+    EXPECT_FALSE(pressAt(443, 20));
+    EXPECT_FALSE(pressAt(480, 20));
+}
+
+TEST_F(CloseButtonWindow, CursorOverTheButton_IsAHandAndAnArrowOutside) {
+    const HCURSOR wait = LoadCursorW(nullptr, IDC_WAIT);
+    int attempts = 0;
+    const auto moveTo = [&](LONG x, LONG y) {
+        HCURSOR after = nullptr;
+        const CursorAt at(clientToScreen(fixture.game.handle(), {x, y}));
+        attempts += CursorAt::hold([&] {
+            trackMouseLeave = false;
+            SetCursor(wait);
+            fixture.game.probe(WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
+            after = GetCursor();
+        });
+        return after;
+    };
+    HCURSOR onButton = nullptr, within = nullptr, outside = nullptr, farther = nullptr;
+    fixture.game.onThread([&] {
+        const auto deadline = std::chrono::steady_clock::now() + kPatience;
+        do {  // each move once only: the button answers to the change
+            attempts = 0;
+            moveTo(500, 300);
+            onButton = moveTo(950, 30);
+            within = moveTo(960, 40);
+            outside = moveTo(500, 300);
+            farther = moveTo(400, 300);
+        } while (attempts != 5 && std::chrono::steady_clock::now() < deadline);
+    });
+    EXPECT_EQ(onButton, LoadCursorW(nullptr, IDC_HAND));
+    EXPECT_EQ(within, wait);  // no second change
+    EXPECT_EQ(outside, LoadCursorW(nullptr, IDC_ARROW));
+    EXPECT_EQ(farther, wait);
+}
+
+}  // namespace
+}  // namespace ZEMO::UI::test
