@@ -138,6 +138,9 @@ void Game::handlePageEvents() {
         if (event.kind == PageEvent::Kind::completed) tellPage();
         if (event.kind == PageEvent::Kind::failed) std::printf("page %d: load error %d\n", event.page, event.error);
         if (event.kind == PageEvent::Kind::command && isTop) handleCommand(event.text);
+        // The user closed the view's own window: what is left is an empty view.
+        const bool isWindowGone = event.kind == PageEvent::Kind::closed && options.mode == Mode::window;
+        if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
         if (event.kind == PageEvent::Kind::closeRequested && isTop) closeTopPage();
         if (onPageEvent) onPageEvent(event);
     }
@@ -176,7 +179,7 @@ void Game::updateHud() {
     hudText.title = L"OUTPOST";
     hudText.status = format(L"Credits %d", credits);
     hudText.figures = format(L"game %.0f fps", gameRate);
-    if (options.mode == Mode::callback && update.isVisible) {
+    if (options.mode == Mode::callback && update.isVisible && isShown) {
         hudText.figures += format(L"    page %d x %d, %.0f fps", image.width, image.height, pageRate);
     }
     hudText.keys = isShown ? L"F10  hide the page" : L"F10  show the page    F12  save pictures    Esc  leave";

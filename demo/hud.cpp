@@ -108,9 +108,9 @@ void Hud::draw(int width, int height, float scale, const Content& content) {
     const auto w = static_cast<float>(width), h = static_cast<float>(height);
     const auto px = [scale](float size) { return static_cast<int>(size * scale + 0.5f); };
     title.set(content.title, px(20), true);
-    status.set(content.status, px(13), false);
-    figures.set(content.figures, px(13), false);
-    keys.set(content.keys, px(13), false);
+    status.set(content.status, px(14), false);
+    figures.set(content.figures, px(14), false);
+    keys.set(content.keys, px(14), false);
 
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);

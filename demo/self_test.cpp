@@ -209,7 +209,11 @@ private:
                       return text("the switching block is %s, expected %s", text(onPage(kSwitch)).c_str(),
                                   text(expected).c_str());
                   });
-            if (!isOn && changed.area() <= blockArea) return;
+            readNextFrame();
+            expectDrawn("the switching block after a partial upload", kSwitch, expected, 0);
+            expectDrawn("the red block after a partial upload", kRed, kRed.colour, 0);
+            const long long area = changed.area();
+            if (!isOn && area <= blockArea && area >= static_cast<long long>(px(100)) * px(60)) return;
         }
         throw Failure(
             text("the last change of 100 x 60 logical pixels was reported as %d x %d", changed.width, changed.height));
