@@ -15,10 +15,9 @@ namespace ZEMO::Core {
 
 HHOOK g_ZEMOWndHook = nullptr;
 
-std::string textOfBlock(const COPYDATASTRUCT& block, bool copiedBySystem) {
+std::string textOfBlock(const COPYDATASTRUCT& block) {
     const char* text = static_cast<const char*>(block.lpData);
-    if (!text) return {};
-    return copiedBySystem ? std::string(text, strnlen(text, block.cbData)) : std::string(text);
+    return text ? std::string(text, strnlen(text, block.cbData)) : std::string();
 }
 
 }  // namespace ZEMO::Core
@@ -40,7 +39,7 @@ LRESULT CALLBACK onMessageSent(int code, WPARAM wParam, LPARAM lParam) {
     if (code >= 0 && sent->message == WM_COPYDATA) {
         OutputDebugStringA("################   Copy Data Called ##############################\n");
         const auto* block = reinterpret_cast<const COPYDATASTRUCT*>(sent->lParam);
-        if (block && ipcCallback.function) ipcCallback.function(Core::textOfBlock(*block, InSendMessage()));
+        if (block && ipcCallback.function) ipcCallback.function(Core::textOfBlock(*block));
     }
     return CallNextHookEx(Core::g_ZEMOWndHook, code, wParam, lParam);
 }

@@ -10,9 +10,9 @@ namespace ZEMO::Core {
 /// The thread's hook, null until ipcOpen() succeeds. Never removed.
 extern HHOOK g_ZEMOWndHook;
 
-/// The text in a received block. `copiedBySystem` says that the block came from another thread or process: then it is
-/// exactly cbData bytes long, and a text that fills it has no NUL in it. A block of this thread is the sender's own
-/// NUL-terminated text, whatever cbData says.
-std::string textOfBlock(const COPYDATASTRUCT& block, bool copiedBySystem);
+/// The text in a received block: up to its first NUL, and to the block's end where it has none, as a text of the
+/// greatest length has. The system copies exactly cbData bytes for a receiver, also for one on the sender's own thread;
+/// what lies behind them is not ours to read.
+std::string textOfBlock(const COPYDATASTRUCT& block);
 
 }  // namespace ZEMO::Core

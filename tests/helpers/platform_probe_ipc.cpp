@@ -17,7 +17,7 @@
 //   ready           "ready PROCESS THREAD"
 //   wait=EVENT      blocks without dispatching messages until the named event is set
 //   pump            dispatches messages until WM_QUIT
-//   self=TEXT       a WM_COPYDATA from this thread whose size says 1
+//   self=TEXT       a WM_COPYDATA from this thread with the text and its NUL; cut=TEXT: with its first four bytes
 //   to-self=TEXT    ipcSend() to this process
 namespace ZEMO::Test {
 namespace {
@@ -107,9 +107,9 @@ bool runIpcCommand(const std::wstring& name, const std::wstring& argument) {
         waitWithoutMessages(argument);
     } else if (name == L"pump") {
         pump();
-    } else if (name == L"self") {
+    } else if (name == L"self" || name == L"cut") {
         std::string text = utf8(argument);
-        COPYDATASTRUCT block{99, 1, text.data()};
+        COPYDATASTRUCT block{99, name == L"cut" ? 4 : static_cast<DWORD>(text.size() + 1), text.data()};
         SendMessageW(lastWindow, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&block));
     } else if (name == L"to-self") {
         Platform::Misc::ipcSend(std::to_string(GetCurrentProcessId()), utf8(argument));

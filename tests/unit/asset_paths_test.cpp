@@ -32,7 +32,7 @@ TEST(AssetPaths, PathWithKoreanLetters_UtfEightAndWide) {
 }
 
 TEST(AssetPaths, PlaceUnknown_EmptyWithOneLogLineEach) {
-    Test::DebugLogCapture log;
+    ZEMO::Test::DebugLogCapture log;
     EXPECT_EQ(closeIconPath(&unknownPlace), "");
     EXPECT_EQ(closeBitmapPath(&unknownPlace), L"");
     EXPECT_EQ(log.texts(), (std::vector<std::string>{"Error: Could not resolve X Button asset path.",
@@ -40,7 +40,7 @@ TEST(AssetPaths, PlaceUnknown_EmptyWithOneLogLineEach) {
 }
 
 TEST(AssetPaths, PlaceKnown_NothingLogged) {
-    Test::DebugLogCapture log;
+    ZEMO::Test::DebugLogCapture log;
     closeIconPath();
     closeBitmapPath();
     EXPECT_TRUE(log.texts().empty()) << log.dump();

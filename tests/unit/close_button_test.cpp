@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "render/display_scale.h"
 
@@ -133,17 +135,22 @@ TEST(XButton, Click_RunsTheActionAndNothingWithoutOne) {
     EXPECT_EQ(clicks, 2);
 }
 
-TEST(XButton, ActionDestroysTheButton_ActionStillRunsToItsEnd) {
-    auto button = std::make_unique<XButton>(1.0f);
-    const auto alive = std::make_shared<int>(7);
-    int seen = 0;
-    button->setClickCallback([&button, &seen, alive] {
+TEST(XButton, ActionDestroysTheButton_WhatItCapturedLivesToItsEnd) {
+    // Static, so that the action reads nothing from itself after the button has gone.
+    static std::unique_ptr<XButton> button;
+    static std::weak_ptr<int> captured;
+    static bool aliveAtTheEnd = false;
+    button = std::make_unique<XButton>(1.0f);
+    auto token = std::make_shared<int>(7);
+    captured = token;
+    button->setClickCallback([token = std::move(token)] {
         button.reset();
-        seen = *alive;  // captured data must have outlived the button
+        aliveAtTheEnd = !captured.expired();
     });
     button->click();
-    EXPECT_EQ(seen, 7);
-    EXPECT_EQ(alive.use_count(), 1);
+    EXPECT_TRUE(aliveAtTheEnd);
+    EXPECT_TRUE(captured.expired());
+    EXPECT_EQ(button, nullptr);
 }
 
 }  // namespace ZEMO::UI

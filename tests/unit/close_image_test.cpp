@@ -18,8 +18,8 @@ std::string utf8(const std::filesystem::path& path) { return Core::toSharedUtf8(
 }  // namespace
 
 TEST(CloseImage, PngUnderAPathWithKoreanLetters_DecodedAsRgba) {
-    const Test::ScratchDirectory directory;
-    const auto file = directory.write(L"단추/x 그림.png", Test::makePng(3, 2, [](int x, int y) {
+    const ZEMO::Test::ScratchDirectory directory;
+    const auto file = directory.write(L"단추/x 그림.png", ZEMO::Test::makePng(3, 2, [](int x, int y) {
                                           return 0x40000000u + 0x00010203u * static_cast<unsigned>(x + 3 * y);
                                       }));
     const CloseImage image = loadCloseImage(utf8(file));
@@ -31,8 +31,8 @@ TEST(CloseImage, PngUnderAPathWithKoreanLetters_DecodedAsRgba) {
 }
 
 TEST(CloseImage, MissingEmptyAndBrokenFiles_EmptyAndSilent) {
-    const Test::ScratchDirectory directory;
-    Test::DebugLogCapture log;
+    const ZEMO::Test::ScratchDirectory directory;
+    ZEMO::Test::DebugLogCapture log;
     const auto expectEmpty = [](const CloseImage& image) {
         EXPECT_TRUE(image.rgba.empty());
         EXPECT_EQ(image.width, 0);
@@ -43,7 +43,7 @@ TEST(CloseImage, MissingEmptyAndBrokenFiles_EmptyAndSilent) {
     expectEmpty(loadCloseImage(utf8(directory.path())));
     expectEmpty(loadCloseImage(utf8(directory.write(L"empty.png", {}))));
     expectEmpty(loadCloseImage(utf8(directory.write(L"text.png", Bytes(5000, 'x')))));
-    const Bytes png = Test::makePng(72, 72, [](int, int) { return 0xFFFFFFFFu; });
+    const Bytes png = ZEMO::Test::makePng(72, 72, [](int, int) { return 0xFFFFFFFFu; });
     for (const size_t length : {1u, 8u, 20u, 33u, 40u, 60u}) {
         expectEmpty(loadCloseImage(utf8(directory.write(L"cut.png", Bytes(png.begin(), png.begin() + length)))));
     }

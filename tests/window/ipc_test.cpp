@@ -185,11 +185,15 @@ TEST(Ipc, NotOpened_WindowAloneSeesTheMessage) {
     EXPECT_THAT(receiver.finish(), testing::Not(testing::Contains("log " + hex(kReceived))));
 }
 
-TEST(Ipc, SentByTheReceivingThread_SizeIsNotLookedAt) {
-    const auto lines = runHelper(helperPath(L"platform_probe.exe"),
-                                 {L"window", L"open=A", L"self=longer than its size says", L"to-self=own"});
-    EXPECT_THAT(
-        lines, ElementsAre(got("A", "longer than its size says"), "window 1", got("A", "own"), "window 10000", "done"));
+TEST(Ipc, SentByTheReceivingThread_ArrivesAsWell) {
+    const auto lines = runHelper(helperPath(L"platform_probe.exe"), {L"window", L"open=A", L"to-self=own"});
+    EXPECT_THAT(lines, ElementsAre(got("A", "own"), "window 10000", "done"));
+}
+
+TEST(Ipc, BlockOfAnotherSender_TextUpToNulOrEndWhateverItsData) {
+    const auto lines =
+        runHelper(helperPath(L"platform_probe.exe"), {L"window", L"open=A", L"self=한글 text", L"cut=abcdefgh"});
+    EXPECT_THAT(lines, ElementsAre(got("A", "한글 text"), "window 12", got("A", "abcd"), "window 4", "done"));
 }
 
 TEST(Ipc, ReceiverIsBusy_SenderWaitsUntilItDispatches) {
@@ -262,7 +266,7 @@ TEST(Ipc, BadIdAndTooLongText_IdIsReadFirst) {
     EXPECT_EQ(log.texts().size(), 1u);
 }
 
-// A block that another process sent is as long as its size says and nothing behind it may be read: here the next page
+// A received block is as long as its size says and nothing behind it may be read: here the next page
 // is not readable.
 TEST(IpcBlock, FilledWithoutNul_NothingBehindItIsRead) {
     constexpr size_t kPage = 4096, kReadable = 3 * kPage;
@@ -270,17 +274,17 @@ TEST(IpcBlock, FilledWithoutNul_NothingBehindItIsRead) {
     ASSERT_NE(VirtualAlloc(memory, kReadable, MEM_COMMIT, PAGE_READWRITE), nullptr);
     char* block = memory + kReadable - 10000;
     std::fill_n(block, 10000, 'z');
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 10000, block}, true), std::string(10000, 'z'));
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 3, block + 9997}, true), "zzz");
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 0, block + 10000}, true), "");
+    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 10000, block}), std::string(10000, 'z'));
+    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 3, block + 9997}), "zzz");
+    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 0, block + 10000}), "");
     block[9999] = '\0';
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 1, block + 9990}, false), "zzzzzzzzz");
+    EXPECT_EQ(ZEMO::Core::textOfBlock({7, 10, block + 9990}), "zzzzzzzzz");
     VirtualFree(memory, 0, MEM_RELEASE);
 }
 
 TEST(IpcBlock, NoData_EmptyText) {
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 10000, nullptr}, true), "");
-    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 0, nullptr}, false), "");
+    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 10000, nullptr}), "");
+    EXPECT_EQ(ZEMO::Core::textOfBlock({0, 0, nullptr}), "");
 }
 
 }  // namespace

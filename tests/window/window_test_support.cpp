@@ -263,8 +263,12 @@ CursorAt::~CursorAt() {
     SetCursorPos(before.x, before.y);
 }
 
-void CursorAt::hold(const std::function<void()>& attempt) {
-    if (!innermostCursor) return attempt();
+int CursorAt::hold(const std::function<void()>& attempt) {
+    int attempts = 0;
+    if (!innermostCursor) {
+        attempt();
+        return 1;
+    }
     const POINT wanted = innermostCursor->place;
     const auto isThere = [&] {
         POINT now{};
@@ -275,9 +279,11 @@ void CursorAt::hold(const std::function<void()>& attempt) {
         SetCursorPos(wanted.x, wanted.y);
         if (!isThere()) continue;
         attempt();
-        if (isThere()) return;
+        ++attempts;
+        if (isThere()) return attempts;
     }
     ADD_FAILURE() << "the cursor does not stay at " << wanted.x << ", " << wanted.y;
+    return attempts;
 }
 
 POINT clientToScreen(HWND window, POINT point) {

@@ -161,8 +161,8 @@ public:
     ~CursorAt();
 
     /// Runs `attempt` with the cursor at the place of the innermost CursorAt before and after it. The display reports
-    /// an earlier place late now and then; such an attempt does not count and is repeated.
-    static void hold(const std::function<void()>& attempt);
+    /// an earlier place late now and then; such an attempt does not count and is repeated. The number of attempts.
+    static int hold(const std::function<void()>& attempt);
 
 private:
     POINT before{};

@@ -48,6 +48,9 @@ protected:
         HCURSOR cursor;  ///< after the message; cursorBefore unless it was changed
     };
     const HCURSOR cursorBefore = LoadCursorW(nullptr, IDC_WAIT);
+    // Set and read around the message: the real cursor comes and goes as well.
+    bool cursorEnters = false;
+    bool cursorEntersNext = false;
     Outcome send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
         Lines calls;
         GameWindow::Probe probe;
@@ -56,7 +59,9 @@ protected:
             CursorAt::hold([&] {
                 journal->clear();
                 SetCursor(cursorBefore);
+                trackMouseLeave = cursorEnters;
                 probe = game().probe(message, wParam, lParam);
+                cursorEntersNext = trackMouseLeave;
                 calls = journal->lines();
                 cursor = GetCursor();
             });
@@ -151,15 +156,13 @@ TEST_F(ZemoWindowLayer, EveryMessageOfTheTable_CallsItsOperationAndIsConsumedAsT
     ASSERT_EQ(rows.size(), 46u);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        trackMouseLeave = false;
         const Outcome got = send(row.message, row.wParam, row.lParam);
         EXPECT_EQ(got.calls, row.calls);
         EXPECT_EQ(got.consumed, row.consumed);
         const LRESULT answered = row.message == WM_IME_REQUEST && row.consumed ? 1 : 0;
         EXPECT_EQ(got.result, row.consumed ? answered : GameWindow::kGameAnswer);
     }
-    // Sent after a move that was passed on: a drag from another device.
-    trackMouseLeave = false;
+    // A drag from another device.
     const Outcome remote = send(1226, MK_LBUTTON, kNegative);
     EXPECT_EQ(remote.calls, Lines{moveLine(-5, -200, MK_LBUTTON)});
     EXPECT_FALSE(remote.consumed);
@@ -225,7 +228,8 @@ TEST_F(ZemoWindowLayer, FirstMoveAfterMouseLeave_ReachesNoPageAndResetsTheArrow)
     make();
     const CursorAt inside(onScreen(contentPoint(window())));
     EXPECT_FALSE(send(WM_MOUSELEAVE).consumed);
-    EXPECT_TRUE(trackMouseLeave);
+    EXPECT_TRUE(cursorEntersNext);
+    bool entersAfter = true;
     HCURSOR cursorAfter = nullptr;
     TRACKMOUSEEVENT query{sizeof query, TME_QUERY, nullptr, 0};
     Lines calls;
@@ -237,12 +241,13 @@ TEST_F(ZemoWindowLayer, FirstMoveAfterMouseLeave_ReachesNoPageAndResetsTheArrow)
         first = game().probe(WM_MOUSEMOVE, 0, kAt);
         calls = journal->lines();
         cursorAfter = GetCursor();
+        entersAfter = trackMouseLeave;
         TrackMouseEvent(&query);
     });
     EXPECT_TRUE(first.gameSawIt);
     EXPECT_EQ(calls, Lines{});
     EXPECT_EQ(cursorAfter, LoadCursorW(nullptr, IDC_ARROW));
-    EXPECT_FALSE(trackMouseLeave);
+    EXPECT_FALSE(entersAfter);
     EXPECT_EQ(query.dwFlags & TME_LEAVE, static_cast<DWORD>(TME_LEAVE));
     EXPECT_EQ(query.hwndTrack, window());
 
@@ -253,11 +258,11 @@ TEST_F(ZemoWindowLayer, FirstMoveAfterMouseLeave_ReachesNoPageAndResetsTheArrow)
 
 TEST_F(ZemoWindowLayer, FirstMoveOnSteamDeck_GoesToThePage) {
     make({.steamDeck = true});
-    trackMouseLeave = true;
+    cursorEnters = true;
     const Outcome got = send(WM_MOUSEMOVE, 0, kAt);
     EXPECT_EQ(got.calls, Lines{moveLine(11, 22, 0)});
     EXPECT_TRUE(got.consumed);
-    EXPECT_TRUE(trackMouseLeave);
+    EXPECT_TRUE(cursorEntersNext);
 }
 
 TEST_F(ZemoWindowLayer, CloseHit_ClicksAndHidesThePressFromPageAndGame) {
@@ -328,14 +333,17 @@ TEST_F(ZemoWindowLayer, MouseMoveOverTheButton_ShowsTheHandOnce) {
     make();
     layer->createCloseButton([] {});
     const CursorAt onButton(onScreen(closeButtonPoint(window())));
-    trackMouseLeave = false;
     HCURSOR first = nullptr, second = nullptr;
     game().onThread([&] {
         CursorAt::hold([&] {
             {
                 const CursorAt away(5, 5);  // forgets an earlier hover; then back onto the button
-                CursorAt::hold([&] { game().probe(WM_MOUSEMOVE, 0, kAt); });
+                CursorAt::hold([&] {
+                    trackMouseLeave = false;
+                    game().probe(WM_MOUSEMOVE, 0, kAt);
+                });
             }
+            trackMouseLeave = false;
             SetCursor(cursorBefore);
             game().probe(WM_MOUSEMOVE, 0, kAt);
             first = SetCursor(cursorBefore);
