@@ -55,7 +55,7 @@ std::string toUtf8(const std::wstring& text) {
 StandInBrowserStage::StandInBrowserStage() {
     machine_ = CreateMutexW(nullptr, FALSE, L"Local\\ZEMO stand-in browsers");
     require(machine_, "no mutex");
-    const DWORD waited = WaitForSingleObject(machine_, kWaitMs);
+    const DWORD waited = WaitForSingleObject(machine_, 100000);
     require(waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED, "another stage did not end");
 
     const std::wstring id = std::to_wstring(GetCurrentProcessId());
