@@ -1,5 +1,6 @@
 // The engine's child process: page scripts, graphics, network.  It stands in a directory below the one that holds
-// libcef.dll, where the system would not find it, so it loads the engine by the absolute path that follows from its own.
+// libcef.dll, where the system would not find it, so it loads the engine by the absolute path that follows from its
+// own.
 
 #include <windows.h>
 

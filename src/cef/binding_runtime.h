@@ -82,7 +82,9 @@ struct ClientObject {
 
     static ClientObject* of(void* c) { return static_cast<ClientObject*>(c); }
 
-    static void addRef(cef_base_ref_counted_t* self) noexcept { of(self)->count.fetch_add(1, std::memory_order_relaxed); }
+    static void addRef(cef_base_ref_counted_t* self) noexcept {
+        of(self)->count.fetch_add(1, std::memory_order_relaxed);
+    }
     static int32_t release(cef_base_ref_counted_t* self) noexcept {
         if (of(self)->count.fetch_sub(1, std::memory_order_acq_rel) != 1) return 0;
         delete of(self);

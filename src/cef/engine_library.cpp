@@ -20,8 +20,8 @@ std::string utf8(const std::wstring& text) {
     return result;
 }
 
-/// The extended form lifts the length limit.  Only where it is needed: the engine finds its data files beside the module
-/// name that it is loaded under.
+/// The extended form lifts the length limit.  Only where it is needed: the engine finds its data files beside the
+/// module name that it is loaded under.
 std::wstring longPath(std::wstring path) {
     for (auto& c : path) {
         if (c == L'/') c = L'\\';
@@ -33,7 +33,7 @@ std::wstring longPath(std::wstring path) {
 
 bool load(const std::wstring& directory, std::string& failure) {
     const bool absolute = directory.starts_with(L"\\\\") || (directory.size() > 2 && directory[1] == L':' &&
-                                                           (directory[2] == L'\\' || directory[2] == L'/'));
+                                                             (directory[2] == L'\\' || directory[2] == L'/'));
     if (!absolute) {
         failure = "the engine's directory \"" + utf8(directory) + "\" is not an absolute path";
         return false;
@@ -63,7 +63,8 @@ bool load(const std::wstring& directory, std::string& failure) {
     return true;
 }
 
-std::string versionText(int major, int minor, int patch, int chromeMajor, int chromeMinor, int chromeBuild, int chromePatch) {
+std::string versionText(int major, int minor, int patch, int chromeMajor, int chromeMinor, int chromeBuild,
+                        int chromePatch) {
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch) + "+chromium-" +
            std::to_string(chromeMajor) + "." + std::to_string(chromeMinor) + "." + std::to_string(chromeBuild) + "." +
            std::to_string(chromePatch);

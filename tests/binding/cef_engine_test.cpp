@@ -39,7 +39,9 @@ private:
 class TextHandler : public CefResourceHandler {
 public:
     TextHandler(std::string text, std::string type) : text_(std::move(text)), type_(std::move(type)) {}
-    bool Open(CefRefPtr<CefRequest>, bool& handleRequest, CefRefPtr<CefCallback>) override { return handleRequest = true; }
+    bool Open(CefRefPtr<CefRequest>, bool& handleRequest, CefRefPtr<CefCallback>) override {
+        return handleRequest = true;
+    }
     void GetResponseHeaders(CefRefPtr<CefResponse> response, int64_t& length, CefString&) override {
         response->SetMimeType(type_);
         response->SetStatus(200);
@@ -92,7 +94,8 @@ public:
         // A request body reaches a handler of http only.
         return new TextHandler(
             "<!doctype html><meta charset=utf-8><title>제목</title><body style='margin:0;background:#2060A0'>"
-            "<a href='/popup' target=_blank style='position:absolute;left:0;top:50px;width:200px;height:50px'></a><script>"
+            "<a href='/popup' target=_blank "
+            "style='position:absolute;left:0;top:50px;width:200px;height:50px'></a><script>"
             "function ask(method, address, body, then) { var x = new XMLHttpRequest; x.open(method, address);"
             "x.onload = () => then(x.responseText); x.send(body); }"
             "ask('POST', '/data', '보냄', a => ask('GET', 'zemosdkcustomscheme://page/data', null,"
@@ -142,8 +145,9 @@ public:
         EXPECT_EQ(created->GetHost()->GetClient(), this) << "the engine hands back the very object";
     }
     bool OnBeforePopup(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, int, const CefString& url, const CefString&,
-                       CefLifeSpanHandler::WindowOpenDisposition, bool gesture, const CefPopupFeatures&, CefWindowInfo&, CefRefPtr<CefClient>& client,
-                       CefBrowserSettings&, CefRefPtr<CefDictionaryValue>&, bool*) override {
+                       CefLifeSpanHandler::WindowOpenDisposition, bool gesture, const CefPopupFeatures&, CefWindowInfo&,
+                       CefRefPtr<CefClient>& client, CefBrowserSettings&, CefRefPtr<CefDictionaryValue>&,
+                       bool*) override {
         EXPECT_TRUE(gesture);
         EXPECT_EQ(client, this);
         popup = url;
@@ -165,7 +169,8 @@ public:
         title = text;
         step();
     }
-    bool OnConsoleMessage(CefRefPtr<CefBrowser>, cef_log_severity_t, const CefString& message, const CefString&, int) override {
+    bool OnConsoleMessage(CefRefPtr<CefBrowser>, cef_log_severity_t, const CefString& message, const CefString&,
+                          int) override {
         console += message.ToString() + "|";
         step();
         return true;
@@ -216,7 +221,8 @@ private:
 void expectNothingLeft() {
     EXPECT_EQ(cefLiveClientObjects(), 0);
     EXPECT_EQ(cefLiveEngineObjects(), 0);
-    EXPECT_TRUE(waitUntil([] { return childProcesses() == 0; }, 5000)) << childProcesses() << " child processes are left";
+    EXPECT_TRUE(waitUntil([] { return childProcesses() == 0; }, 5000))
+        << childProcesses() << " child processes are left";
 }
 
 TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
@@ -226,7 +232,8 @@ TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
     std::string cookies;
     bool clicked = false, asked = false;
     client->onStep = [&] {
-        if (client->loadStatus < 0 || client->pixel != 0xff2060a0 || client->console.empty() || client->title.empty()) return;
+        if (client->loadStatus < 0 || client->pixel != 0xff2060a0 || client->console.empty() || client->title.empty())
+            return;
         if (!clicked) {
             clicked = true;
             CefMouseEvent event;
@@ -243,9 +250,9 @@ TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
         CefString(&cookie.value) = "value";
         EXPECT_TRUE(manager->SetCookie("http://cookies.test/", cookie, nullptr));
         manager->VisitUrlCookies("http://cookies.test/", true, new CookieReader(cookies, [&client] {
-            EXPECT_TRUE(CefClearSchemeHandlerFactories());
-            post(TID_UI, [&client] { client->browser->GetHost()->CloseBrowser(true); });
-        }));
+                                     EXPECT_TRUE(CefClearSchemeHandlerFactories());
+                                     post(TID_UI, [&client] { client->browser->GetHost()->CloseBrowser(true); });
+                                 }));
     };
     const bool finished = runEngine(
         new TestApp, programDirectory() + L"\\cefsubprocess\\cef.subprocess.exe", cache.path(),
@@ -259,8 +266,9 @@ TEST(CefEngine, ServedPage_PaintsLoadsAsksAndLeavesNothingBehind) {
             EXPECT_TRUE(createBrowser(client, "http://page.test/"));
         },
         60000);
-    EXPECT_TRUE(finished) << "load status " << client->loadStatus << ", pixel " << std::hex << client->pixel << ", console "
-                          << client->console << ", title " << client->title << ", popup " << client->popup;
+    EXPECT_TRUE(finished) << "load status " << client->loadStatus << ", pixel " << std::hex << client->pixel
+                          << ", console " << client->console << ", title " << client->title << ", popup "
+                          << client->popup;
     EXPECT_EQ(client->loadStatus, 200);
     EXPECT_EQ(client->title, "제목");
     EXPECT_EQ(client->console, "받음 안녕안녕|");
@@ -335,7 +343,8 @@ TEST(CefEngine, MessagesAndScripts_CrossBothWaysAndLeaveNothingBehind) {
     const bool finished = runEngine(
         new TestApp, programDirectory() + L"\\cefsubprocess_test\\cef.echo.exe", cache.path(),
         [&] {
-            EXPECT_TRUE(createBrowser(client, "data:text/html,<body style='background:%23fff'><input id=secret type=password>"));
+            EXPECT_TRUE(createBrowser(
+                client, "data:text/html,<body style='background:%23fff'><input id=secret type=password>"));
         },
         60000);
     EXPECT_TRUE(finished) << log;

@@ -1,5 +1,5 @@
-// The child of the binding's own engine tests: it answers messages, adds a native function to scripts and looks into the
-// document, so that the operations of the page's process are called for real.
+// The child of the binding's own engine tests: it answers messages, adds a native function to scripts and looks into
+// the document, so that the operations of the page's process are called for real.
 #include "../../subprocess/child_app.h"
 
 namespace ZEMO::UI {
@@ -8,8 +8,8 @@ namespace {
 /// twice(x): the text of x two times; throws without an argument.
 class TwiceHandler : public CefV8Handler {
 public:
-    bool Execute(const CefString& name, CefRefPtr<CefV8Value>, const CefV8ValueList& arguments, CefRefPtr<CefV8Value>& retval,
-                 CefString& exception) override {
+    bool Execute(const CefString& name, CefRefPtr<CefV8Value>, const CefV8ValueList& arguments,
+                 CefRefPtr<CefV8Value>& retval, CefString& exception) override {
         if (arguments.size() != 1 || !arguments[0]->IsString()) {
             exception = name.ToString() + " 인수 없음";
             return true;
@@ -48,8 +48,8 @@ public:
         } else {
             CefRefPtr<CefV8Value> value;
             CefRefPtr<CefV8Exception> exception;
-            const bool good = context->Enter() && context->Eval(message->GetArgumentList()->GetString(0), "eval.js", 7, value,
-                                                                exception);
+            const bool good = context->Enter() &&
+                              context->Eval(message->GetArgumentList()->GetString(0), "eval.js", 7, value, exception);
             list->SetBool(0, good);
             if (good && value) list->SetString(1, value->GetStringValue());
             if (!good && exception) {

@@ -51,10 +51,12 @@ CacheDirectory::CacheDirectory(const std::wstring& name) : path_(programDirector
         [this] {
             std::error_code error;
             std::vector<std::filesystem::path> entries;
-            for (std::filesystem::recursive_directory_iterator i(path_, error), end; !error && i != end; i.increment(error)) {
+            for (std::filesystem::recursive_directory_iterator i(path_, error), end; !error && i != end;
+                 i.increment(error)) {
                 entries.push_back(i->path());
             }
-            for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) std::filesystem::remove(*entry, error);
+            for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+                std::filesystem::remove(*entry, error);
             std::filesystem::remove(path_, error);
             return !std::filesystem::exists(path_, error);
         },

@@ -34,8 +34,8 @@ int childProcesses();
 /// Polls until `done`; false after `timeoutMs`.
 bool waitUntil(const std::function<bool()>& done, int timeoutMs);
 
-/// An empty cache directory beside the program.  It is emptied before use, not after: the engine keeps some of its files
-/// open until the process ends.
+/// An empty cache directory beside the program.  It is emptied before use, not after: the engine keeps some of its
+/// files open until the process ends.
 class CacheDirectory {
 public:
     explicit CacheDirectory(const std::wstring& name);

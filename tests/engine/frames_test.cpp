@@ -57,11 +57,24 @@ void checkBlocks(int width, int height) {
     EXPECT_TRUE(game.frames.replayMatches());
 }
 
+void checkScaledBlocks(int width, int height) {
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    checkBlocks(width, height);
+    HDC screen = GetDC(nullptr);
+    EXPECT_EQ(GetDeviceCaps(screen, LOGPIXELSX), 144) << "the session's scale";
+    ReleaseDC(nullptr, screen);
+}
+
 }  // namespace
 
 TEST(Frames, ColourBlocksAt320x200_PixelForPixel) { checkBlocks(320, 200); }
 TEST(Frames, ColourBlocksAt1280x720_PixelForPixel) { checkBlocks(1280, 720); }
 TEST(Frames, ColourBlocksAt1920x1080_PixelForPixel) { checkBlocks(1920, 1080); }
+
+// At one and a half times the pixels the page is laid out in logical pixels; the frame comes in device pixels.
+TEST(Frames, ColourBlocksAt320x200_PixelForPixel_Scale150) { checkScaledBlocks(320, 200); }
+TEST(Frames, ColourBlocksAt1280x720_PixelForPixel_Scale150) { checkScaledBlocks(1280, 720); }
+TEST(Frames, ColourBlocksAt1920x1080_PixelForPixel_Scale150) { checkScaledBlocks(1920, 1080); }
 
 TEST(Frames, OneBlockChanges_ThatRectangleIsReported) {
     HttpServer server;

@@ -25,7 +25,8 @@ int wmain(int argc, wchar_t** argv) {
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(child.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) {
+    if (!CreateProcessW(child.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                        &process)) {
         std::fprintf(stderr, "cannot start the child: %lu\n", GetLastError());
         return 3;
     }

@@ -35,7 +35,9 @@ struct Ground {
         fake.count = 1;
         fake.base.size = sizeof(C);
         fake.base.add_ref = [](cef_base_ref_counted_t* self) { ++reinterpret_cast<Fake*>(self)->count; };
-        fake.base.release = [](cef_base_ref_counted_t* self) -> int32_t { return --reinterpret_cast<Fake*>(self)->count == 0; };
+        fake.base.release = [](cef_base_ref_counted_t* self) -> int32_t {
+            return --reinterpret_cast<Fake*>(self)->count == 0;
+        };
         return reinterpret_cast<C*>(&fake);
     }
     template <class T>
@@ -175,8 +177,8 @@ public:
 template <>
 class Concrete<CefV8Handler> : public CefV8Handler {
 public:
-    bool Execute(const CefString&, CefRefPtr<CefV8Value> object, const CefV8ValueList& arguments, CefRefPtr<CefV8Value>& result,
-                 CefString&) override {
+    bool Execute(const CefString&, CefRefPtr<CefV8Value> object, const CefV8ValueList& arguments,
+                 CefRefPtr<CefV8Value>& result, CefString&) override {
         EXPECT_EQ(arguments.size(), 1u);
         result = object;  // handed back: one more reference for the engine
         return true;
@@ -213,39 +215,39 @@ protected:
 
 TEST_F(CefReferences, EveryCallbackOfEveryHandler_GivesBackWhatItWasPassed) {
     int callbacks = 0;
-#define DRIVE(Class, member)                                                                 \
-    if (std::string(#Class "::" #member) != "CefV8Handler::execute") {                       \
-        auto* c = Binding<Class>::give(new Concrete<Class>);                                 \
-        callBack(c, c->member);                                                              \
-        drop(c);                                                                             \
-        ground_.expectBalanced(#Class "::" #member);                                         \
-        ++callbacks;                                                                         \
+#define DRIVE(Class, member)                                           \
+    if (std::string(#Class "::" #member) != "CefV8Handler::execute") { \
+        auto* c = Binding<Class>::give(new Concrete<Class>);           \
+        callBack(c, c->member);                                        \
+        drop(c);                                                       \
+        ground_.expectBalanced(#Class "::" #member);                   \
+        ++callbacks;                                                   \
     }
     ZEMO_CEF_CLIENT_CALLBACKS(DRIVE)
 #undef DRIVE
     EXPECT_EQ(callbacks, 125);
 }
 
-TEST_F(CefReferences, EveryHandlerClass_IsHeldOnceByItsStructure) {
-#define HOLD(Class)                                                                                      \
-    {                                                                                                    \
-        CefRefPtr<Concrete<Class>> object = new Concrete<Class>;                                         \
-        auto* c = Binding<Class>::give(object);                                                          \
-        EXPECT_EQ(c->base.size, sizeof(*c));                                                             \
-        EXPECT_EQ(cefLiveClientObjects(), 1);                                                            \
-        EXPECT_FALSE(object->HasOneRef());                                                               \
-        EXPECT_TRUE(c->base.has_one_ref(&c->base));                                                      \
-        c->base.add_ref(&c->base);                                                                       \
-        EXPECT_FALSE(c->base.has_one_ref(&c->base));                                                     \
-        EXPECT_TRUE(c->base.has_at_least_one_ref(&c->base));                                             \
-        EXPECT_EQ(c->base.release(&c->base), 0);                                                         \
-        c->base.add_ref(&c->base);                                                                       \
-        EXPECT_EQ(Binding<Class>::take(c), object) << "the engine hands our object back: the original";  \
-        EXPECT_EQ(c->base.release(&c->base), 1);                                                         \
-        EXPECT_TRUE(object->HasOneRef());                                                                \
-        EXPECT_EQ(Binding<Class>::give(nullptr), nullptr);                                               \
-        EXPECT_EQ(Binding<Class>::take(nullptr), nullptr);                                               \
-        ground_.expectBalanced(#Class);                                                                  \
+TEST_F(CefReferences, EveryHandlerClass_IsHeldOnceByItsStructure){
+#define HOLD(Class)                                                                                     \
+    {                                                                                                   \
+        CefRefPtr<Concrete<Class>> object = new Concrete<Class>;                                        \
+        auto* c = Binding<Class>::give(object);                                                         \
+        EXPECT_EQ(c->base.size, sizeof(*c));                                                            \
+        EXPECT_EQ(cefLiveClientObjects(), 1);                                                           \
+        EXPECT_FALSE(object->HasOneRef());                                                              \
+        EXPECT_TRUE(c->base.has_one_ref(&c->base));                                                     \
+        c->base.add_ref(&c->base);                                                                      \
+        EXPECT_FALSE(c->base.has_one_ref(&c->base));                                                    \
+        EXPECT_TRUE(c->base.has_at_least_one_ref(&c->base));                                            \
+        EXPECT_EQ(c->base.release(&c->base), 0);                                                        \
+        c->base.add_ref(&c->base);                                                                      \
+        EXPECT_EQ(Binding<Class>::take(c), object) << "the engine hands our object back: the original"; \
+        EXPECT_EQ(c->base.release(&c->base), 1);                                                        \
+        EXPECT_TRUE(object->HasOneRef());                                                               \
+        EXPECT_EQ(Binding<Class>::give(nullptr), nullptr);                                              \
+        EXPECT_EQ(Binding<Class>::take(nullptr), nullptr);                                              \
+        ground_.expectBalanced(#Class);                                                                 \
     }
     ZEMO_CEF_CLIENT_CLASSES(HOLD)
 #undef HOLD
@@ -270,9 +272,10 @@ TEST_F(CefReferences, NativeFunction_TakesArgumentsAndGivesItsResult) {
 class Keeper : public CefLifeSpanHandler {
 public:
     void OnAfterCreated(CefRefPtr<CefBrowser> browser) override { kept = browser; }
-    bool OnBeforePopup(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, int, const CefString&, const CefString&, WindowOpenDisposition,
-                       bool, const CefPopupFeatures&, CefWindowInfo& info, CefRefPtr<CefClient>& client, CefBrowserSettings&,
-                       CefRefPtr<CefDictionaryValue>& extra, bool* noScript) override {
+    bool OnBeforePopup(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, int, const CefString&, const CefString&,
+                       WindowOpenDisposition, bool, const CefPopupFeatures&, CefWindowInfo& info,
+                       CefRefPtr<CefClient>& client, CefBrowserSettings&, CefRefPtr<CefDictionaryValue>& extra,
+                       bool* noScript) override {
         seen = client;
         if (replacement) client = replacement;
         extra = nullptr;
@@ -380,7 +383,8 @@ public:
     CefRefPtr<CefLoadHandler> GetLoadHandler() override { return this; }
     CefRefPtr<CefRenderHandler> GetRenderHandler() override { return this; }
     CefRefPtr<CefRequestHandler> GetRequestHandler() override { return this; }
-    CefRefPtr<CefResourceHandler> GetResourceHandler(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, CefRefPtr<CefRequest>) override {
+    CefRefPtr<CefResourceHandler> GetResourceHandler(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>,
+                                                     CefRefPtr<CefRequest>) override {
         return this;
     }
     CefRefPtr<CefResourceRequestHandler> GetResourceRequestHandler(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>,
@@ -389,7 +393,8 @@ public:
         disable = true;
         return this;
     }
-    bool OnProcessMessageReceived(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, CefProcessId, CefRefPtr<CefProcessMessage>) override {
+    bool OnProcessMessageReceived(CefRefPtr<CefBrowser>, CefRefPtr<CefFrame>, CefProcessId,
+                                  CefRefPtr<CefProcessMessage>) override {
         return true;
     }
     void GetViewRect(CefRefPtr<CefBrowser>, CefRect&) override {}
@@ -411,13 +416,13 @@ TEST_F(CefReferences, EveryGetterOfAHandler_ReturnsOneReference) {
         drop(result);
         ++getters;
     };
-#define GET(Class, member)                                      \
-    {                                                           \
-        auto* c = Binding<Class>::give(all);                    \
-        check(c->member(c), #Class "::" #member);               \
-        drop(c);                                                \
-        EXPECT_TRUE(all->HasOneRef());                          \
-        ground_.expectBalanced(#Class "::" #member);            \
+#define GET(Class, member)                           \
+    {                                                \
+        auto* c = Binding<Class>::give(all);         \
+        check(c->member(c), #Class "::" #member);    \
+        drop(c);                                     \
+        EXPECT_TRUE(all->HasOneRef());               \
+        ground_.expectBalanced(#Class "::" #member); \
     }
     GET(CefApp, get_browser_process_handler)
     GET(CefApp, get_render_process_handler)
@@ -435,10 +440,12 @@ TEST_F(CefReferences, EveryGetterOfAHandler_ReturnsOneReference) {
     EXPECT_EQ(getters, 12);
     auto* request = Binding<CefRequestHandler>::give(all);
     int32_t disable = 0;
-    auto* handler = request->get_resource_request_handler(request, ground_.object<cef_browser_t>(), ground_.object<cef_frame_t>(),
-                                                          ground_.object<cef_request_t>(), 0, 0, nullptr, &disable);
+    auto* handler =
+        request->get_resource_request_handler(request, ground_.object<cef_browser_t>(), ground_.object<cef_frame_t>(),
+                                              ground_.object<cef_request_t>(), 0, 0, nullptr, &disable);
     EXPECT_EQ(disable, 1);
-    auto* resource = handler->get_resource_handler(handler, ground_.object<cef_browser_t>(), nullptr, ground_.object<cef_request_t>());
+    auto* resource = handler->get_resource_handler(handler, ground_.object<cef_browser_t>(), nullptr,
+                                                   ground_.object<cef_request_t>());
     ASSERT_NE(resource, nullptr);
     drop(resource);
     drop(handler);
@@ -542,7 +549,8 @@ void callWith(Call call, std::type_identity<std::tuple<Args...>>) {
 
 template <class Class, class R, class... Args>
 void callEngine(CefRefPtr<Class> object, R (Class::*method)(Args...)) {
-    callWith([&](auto&... args) { return (object.get()->*method)(args...); }, std::type_identity<std::tuple<Args...>>{});
+    callWith([&](auto&... args) { return (object.get()->*method)(args...); },
+             std::type_identity<std::tuple<Args...>>{});
 }
 template <class R, class... Args>
 void callFunction(R (*function)(Args...)) {
@@ -558,14 +566,14 @@ void giveElements(C* c) {
 TEST_F(CefReferences, EveryOperationOfEveryEngineClass_CountsWhatItPassesAndReceives) {
     int operations = 0;
 #define PARENTHESES(...) __VA_ARGS__
-#define CALL(Class, Type, name, C, member)                                    \
-    {                                                                         \
-        auto* c = ground_.object<C>();                                        \
-        c->member = playMember(c->member);                                    \
-        giveElements(c);                                                      \
+#define CALL(Class, Type, name, C, member)                                                       \
+    {                                                                                            \
+        auto* c = ground_.object<C>();                                                           \
+        c->member = playMember(c->member);                                                       \
+        giveElements(c);                                                                         \
         callEngine<Class>(Binding<Class>::take(c), static_cast<PARENTHESES Type>(&Class::name)); \
-        ground_.expectBalanced(#Class "::" #name);                            \
-        ++operations;                                                         \
+        ground_.expectBalanced(#Class "::" #name);                                               \
+        ++operations;                                                                            \
     }
     ZEMO_CEF_ENGINE_CALLS(CALL)
 #undef CALL
@@ -575,13 +583,13 @@ TEST_F(CefReferences, EveryOperationOfEveryEngineClass_CountsWhatItPassesAndRece
 TEST_F(CefReferences, EveryFunctionOfTheEngine_CountsWhatItPassesAndReceives) {
     const cef_binding::Functions before = cef_binding::engine;
     int functions = 0;
-#define CALL(function, name)                                                                      \
-    {                                                                                             \
-        cef_binding::engine.name = &Play<decltype(cef_binding::engine.name)>::withoutSelf;        \
-        callFunction(&function);                                                                  \
-        cef_binding::engine = before;                                                             \
-        ground_.expectBalanced(#function);                                                        \
-        ++functions;                                                                              \
+#define CALL(function, name)                                                               \
+    {                                                                                      \
+        cef_binding::engine.name = &Play<decltype(cef_binding::engine.name)>::withoutSelf; \
+        callFunction(&function);                                                           \
+        cef_binding::engine = before;                                                      \
+        ground_.expectBalanced(#function);                                                 \
+        ++functions;                                                                       \
     }
     ZEMO_CEF_FUNCTIONS(CALL)
 #undef CALL
@@ -621,7 +629,8 @@ TEST(CefLibrary, MissingEngine_IsToldWithItsPath) {
 }
 
 TEST(CefLibrary, RelativeDirectory_IsRefused) {
-    for (const wchar_t* directory : {static_cast<const wchar_t*>(nullptr), L"", L"bin", L"..\\bin", L"C:", L"C:bin", L"\\bin"}) {
+    for (const wchar_t* directory :
+         {static_cast<const wchar_t*>(nullptr), L"", L"bin", L"..\\bin", L"C:", L"C:bin", L"\\bin"}) {
         std::string reason;
         EXPECT_FALSE(cefLoadLibrary(directory, &reason));
         EXPECT_NE(reason.find("is not an absolute path"), std::string::npos) << reason;

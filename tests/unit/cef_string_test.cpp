@@ -16,7 +16,7 @@ TEST(CefString, Utf8WideAndUtf16_ConvertEachWay) {
         {"", L"", u""},
         {"plain", L"plain", u"plain"},
         {"\xEA\xB0\x80\xEB\x82\x98 \xED\x95\x9C", L"\xAC00\xB098 \xD55C", u"\xAC00\xB098 \xD55C"},  // Korean
-        {"\xF0\x9F\x98\x80", L"\xD83D\xDE00", u"\xD83D\xDE00"},                                         // beyond 16 bits
+        {"\xF0\x9F\x98\x80", L"\xD83D\xDE00", u"\xD83D\xDE00"},                                     // beyond 16 bits
     };
     static_assert(std::size(rows) == 4);
     for (const auto& row : rows) {

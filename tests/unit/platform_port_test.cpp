@@ -33,10 +33,25 @@ TEST(PlatformPort, Asked_GivesAPortThatCanBeBound) {
     WSACleanup();
 }
 
+// The real calls, counted.
+int started = 0, ended = 0;
+
 TEST(PlatformPort, Done_SocketLibraryIsGivenBack) {
-    GetDynamicPort();
-    EXPECT_EQ(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP), INVALID_SOCKET);
-    EXPECT_EQ(WSAGetLastError(), WSANOTINITIALISED);
+    PortCalls counted;
+    counted.startup = [](WORD version, WSADATA* data) {
+        const int failed = WSAStartup(version, data);
+        started += failed == 0;
+        return failed;
+    };
+    counted.cleanup = [] {
+        const int failed = WSACleanup();
+        ended += failed == 0;
+        return failed;
+    };
+    started = ended = 0;
+    EXPECT_NE(findFreePort(counted), "");
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(ended, 1);
 }
 
 // The system's calls can't be made to fail here, so these stand in for them; they note who was called.

@@ -46,16 +46,16 @@ private:
     DISALLOW_COPY_AND_ASSIGN(CefRefCount);
 };
 
-#define IMPLEMENT_REFCOUNTING(ClassName)                                            \
-public:                                                                             \
-    void AddRef() const override { ref_count_.AddRef(); }                           \
-    bool Release() const override {                                                 \
-        if (!ref_count_.Release()) return false;                                    \
-        delete static_cast<const ClassName*>(this);                                 \
-        return true;                                                                \
-    }                                                                               \
-    bool HasOneRef() const override { return ref_count_.HasOneRef(); }              \
+#define IMPLEMENT_REFCOUNTING(ClassName)                                             \
+public:                                                                              \
+    void AddRef() const override { ref_count_.AddRef(); }                            \
+    bool Release() const override {                                                  \
+        if (!ref_count_.Release()) return false;                                     \
+        delete static_cast<const ClassName*>(this);                                  \
+        return true;                                                                 \
+    }                                                                                \
+    bool HasOneRef() const override { return ref_count_.HasOneRef(); }               \
     bool HasAtLeastOneRef() const override { return ref_count_.HasAtLeastOneRef(); } \
-                                                                                    \
-private:                                                                            \
+                                                                                     \
+private:                                                                             \
     CefRefCount ref_count_

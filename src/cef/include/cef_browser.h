@@ -77,7 +77,8 @@ public:
     virtual void CloseDevTools() = 0;
     virtual bool HasDevTools() = 0;
     virtual bool SendDevToolsMessage(const void* message, size_t message_size) = 0;
-    virtual int ExecuteDevToolsMethod(int message_id, const CefString& method, CefRefPtr<CefDictionaryValue> params) = 0;
+    virtual int ExecuteDevToolsMethod(int message_id, const CefString& method,
+                                      CefRefPtr<CefDictionaryValue> params) = 0;
     virtual void ReplaceMisspelling(const CefString& word) = 0;
     virtual void AddWordToDictionary(const CefString& word) = 0;
     virtual bool IsWindowRenderingDisabled() = 0;
@@ -87,7 +88,8 @@ public:
     virtual void Invalidate(PaintElementType type) = 0;
     virtual void SendExternalBeginFrame() = 0;
     virtual void SendKeyEvent(const CefKeyEvent& event) = 0;
-    virtual void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp, int clickCount) = 0;
+    virtual void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
+                                     int clickCount) = 0;
     virtual void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) = 0;
     virtual void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) = 0;
     virtual void SendTouchEvent(const CefTouchEvent& event) = 0;

@@ -8,10 +8,12 @@
 //@client
 class CefBrowserProcessHandler : public virtual CefBaseRefCounted {
 public:
-    virtual void OnRegisterCustomPreferences(cef_preferences_type_t type, CefRawPtr<CefPreferenceRegistrar> registrar) {}
+    virtual void OnRegisterCustomPreferences(cef_preferences_type_t type, CefRawPtr<CefPreferenceRegistrar> registrar) {
+    }
     virtual void OnContextInitialized() {}
     virtual void OnBeforeChildProcessLaunch(CefRefPtr<CefCommandLine> command_line) {}
-    virtual bool OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line, const CefString& current_directory) {
+    virtual bool OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,
+                                             const CefString& current_directory) {
         return false;
     }
     virtual void OnScheduleMessagePumpWork(int64_t delay_ms) {}

@@ -6,7 +6,8 @@
 #include "include/cef_resource_request_handler.h"
 #include "include/cef_unresponsive_process_callback.h"
 
-/// Navigation and the page's process, on the UI thread; GetResourceRequestHandler and GetAuthCredentials on the IO thread.
+/// Navigation and the page's process, on the UI thread; GetResourceRequestHandler and GetAuthCredentials on the IO
+/// thread.
 //@client
 class CefRequestHandler : public virtual CefBaseRefCounted {
 public:
@@ -33,8 +34,9 @@ public:
                                     CefRefPtr<CefAuthCallback> callback) {
         return false;
     }
-    virtual bool OnCertificateError(CefRefPtr<CefBrowser> browser, cef_errorcode_t cert_error, const CefString& request_url,
-                                    CefRefPtr<CefSSLInfo> ssl_info, CefRefPtr<CefCallback> callback) {
+    virtual bool OnCertificateError(CefRefPtr<CefBrowser> browser, cef_errorcode_t cert_error,
+                                    const CefString& request_url, CefRefPtr<CefSSLInfo> ssl_info,
+                                    CefRefPtr<CefCallback> callback) {
         return false;
     }
     virtual bool OnSelectClientCertificate(CefRefPtr<CefBrowser> browser, bool isProxy, const CefString& host, int port,

@@ -29,7 +29,8 @@ public:
     }
     virtual bool ProcessRequest(CefRefPtr<CefRequest> request, CefRefPtr<CefCallback> callback) { return false; }
     /// response_length -1: not known.
-    virtual void GetResponseHeaders(CefRefPtr<CefResponse> response, int64_t& response_length, CefString& redirectUrl) = 0;
+    virtual void GetResponseHeaders(CefRefPtr<CefResponse> response, int64_t& response_length,
+                                    CefString& redirectUrl) = 0;
     virtual bool Skip(int64_t bytes_to_skip, int64_t& bytes_skipped, CefRefPtr<CefResourceSkipCallback> callback) {
         bytes_skipped = -2;
         return false;

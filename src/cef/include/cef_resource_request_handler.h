@@ -12,7 +12,8 @@ public:
     typedef cef_return_value_t ReturnValue;
     typedef cef_urlrequest_status_t URLRequestStatus;
 
-    virtual CefRefPtr<CefCookieAccessFilter> GetCookieAccessFilter(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+    virtual CefRefPtr<CefCookieAccessFilter> GetCookieAccessFilter(CefRefPtr<CefBrowser> browser,
+                                                                   CefRefPtr<CefFrame> frame,
                                                                    CefRefPtr<CefRequest> request) {
         return nullptr;
     }
@@ -24,13 +25,15 @@ public:
                                                              CefRefPtr<CefRequest> request) {
         return nullptr;
     }
-    virtual void OnResourceRedirect(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, CefRefPtr<CefRequest> request,
-                                    CefRefPtr<CefResponse> response, CefString& new_url) {}
-    virtual bool OnResourceResponse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, CefRefPtr<CefRequest> request,
-                                    CefRefPtr<CefResponse> response) {
+    virtual void OnResourceRedirect(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                    CefRefPtr<CefRequest> request, CefRefPtr<CefResponse> response,
+                                    CefString& new_url) {}
+    virtual bool OnResourceResponse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                    CefRefPtr<CefRequest> request, CefRefPtr<CefResponse> response) {
         return false;
     }
-    virtual CefRefPtr<CefResponseFilter> GetResourceResponseFilter(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+    virtual CefRefPtr<CefResponseFilter> GetResourceResponseFilter(CefRefPtr<CefBrowser> browser,
+                                                                   CefRefPtr<CefFrame> frame,
                                                                    CefRefPtr<CefRequest> request,
                                                                    CefRefPtr<CefResponse> response) {
         return nullptr;
@@ -38,6 +41,6 @@ public:
     virtual void OnResourceLoadComplete(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                         CefRefPtr<CefRequest> request, CefRefPtr<CefResponse> response,
                                         URLRequestStatus status, int64_t received_content_length) {}
-    virtual void OnProtocolExecution(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, CefRefPtr<CefRequest> request,
-                                     bool& allow_os_execution) {}
+    virtual void OnProtocolExecution(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                     CefRefPtr<CefRequest> request, bool& allow_os_execution) {}
 };

@@ -89,7 +89,8 @@ public:
     static CefRefPtr<CefV8Value> CreateDouble(double value);
     static CefRefPtr<CefV8Value> CreateDate(CefBaseTime date);
     static CefRefPtr<CefV8Value> CreateString(const CefString& value);
-    static CefRefPtr<CefV8Value> CreateObject(CefRefPtr<CefV8Accessor> accessor, CefRefPtr<CefV8Interceptor> interceptor);
+    static CefRefPtr<CefV8Value> CreateObject(CefRefPtr<CefV8Accessor> accessor,
+                                              CefRefPtr<CefV8Interceptor> interceptor);
     static CefRefPtr<CefV8Value> CreateArray(int length);
     static CefRefPtr<CefV8Value> CreateFunction(const CefString& name, CefRefPtr<CefV8Handler> handler);
     static CefRefPtr<CefV8Value> CreatePromise();
@@ -141,7 +142,8 @@ public:
     virtual CefString GetFunctionName() = 0;
     virtual CefRefPtr<CefV8Handler> GetFunctionHandler() = 0;
     virtual CefRefPtr<CefV8Value> ExecuteFunction(CefRefPtr<CefV8Value> object, const CefV8ValueList& arguments) = 0;
-    virtual CefRefPtr<CefV8Value> ExecuteFunctionWithContext(CefRefPtr<CefV8Context> context, CefRefPtr<CefV8Value> object,
+    virtual CefRefPtr<CefV8Value> ExecuteFunctionWithContext(CefRefPtr<CefV8Context> context,
+                                                             CefRefPtr<CefV8Value> object,
                                                              const CefV8ValueList& arguments) = 0;
     virtual bool ResolvePromise(CefRefPtr<CefV8Value> arg) = 0;
     virtual bool RejectPromise(const CefString& errorMsg) = 0;

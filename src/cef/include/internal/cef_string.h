@@ -94,4 +94,3 @@ private:
     bool readOnly_ = false;        // the structure that is referred to must not be written
     bool owner_ = false;           // the structure that is referred to came from the engine's heap and is given back
 };
-

@@ -65,8 +65,8 @@ public:
     CefScreenInfo(float deviceScaleFactor, int depth, int depthPerComponent, bool isMonochrome, const cef_rect_t& rect,
                   const cef_rect_t& availableRect)
         : cef_screen_info_t{deviceScaleFactor, depth, depthPerComponent, isMonochrome, rect, availableRect} {}
-    void Set(float deviceScaleFactor, int depthValue, int depthPerComponent, bool isMonochrome, const CefRect& rectValue,
-             const CefRect& availableRect) {
+    void Set(float deviceScaleFactor, int depthValue, int depthPerComponent, bool isMonochrome,
+             const CefRect& rectValue, const CefRect& availableRect) {
         *this = CefScreenInfo(deviceScaleFactor, depthValue, depthPerComponent, isMonochrome, rectValue, availableRect);
     }
 };
@@ -153,7 +153,8 @@ private:
         if constexpr (requires(Struct& s) { s.size = sizeof(Struct); }) this->size = sizeof(Struct);
     }
     void clear() {
-        cef_binding::forEachString(static_cast<Struct&>(*this), [](cef_string_t& member) { CefString(&member).clear(); });
+        cef_binding::forEachString(static_cast<Struct&>(*this),
+                                   [](cef_string_t& member) { CefString(&member).clear(); });
     }
 };
 

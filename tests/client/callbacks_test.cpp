@@ -1,0 +1,258 @@
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "client/client_view.h"
+#include "core/process_state.h"
+#include "engine/javascript_processor.h"
+#include "include/cef_process_message.h"
+#include "include/cef_task.h"
+#include "include/cef_values.h"
+#include "layers/layer_manager.h"
+#include "support/debug_log.h"
+#include "support/http_server.h"
+
+// The callbacks of the browser client, made with the engine's real objects on the engine's real thread.
+namespace ZEMO::Test {
+namespace {
+
+class FunctionTask : public CefTask {
+   public:
+    explicit FunctionTask(std::function<void()> work) : function(std::move(work)) {}
+    void Execute() override { function(); }
+
+   private:
+    std::function<void()> function;
+    IMPLEMENT_REFCOUNTING(FunctionTask);
+};
+
+bool runOnEngine(GameHost& game, std::function<void()> work) {
+    std::atomic<bool> done{false};
+    CefPostTask(TID_UI, new FunctionTask([&] {
+                    work();
+                    done = true;
+                }));
+    return game.waitFor("the engine thread", [&] { return done.load(); });
+}
+
+struct ImeEvent {
+    int kind, a, b;
+    friend bool operator==(const ImeEvent&, const ImeEvent&) = default;
+};
+std::vector<ImeEvent>& imeEvents() {
+    static std::vector<ImeEvent> events;
+    return events;
+}
+void recordImeEvent(int kind, int, int a, int b) { imeEvents().push_back({kind, a, b}); }
+
+/// A real browser on a loaded page, and messages as a page's process would send them.
+class Callbacks : public ::testing::Test {
+   protected:
+    Callbacks() : view(game, "data:text/html,x") {
+        ready = game.waitFor("the page", [&] { return view.events->has("completed"); });
+        view.events->forget();
+        browser = view.adapter->getBrowser();
+    }
+    ~Callbacks() override {
+        registerImeEventCallback(nullptr);
+        imeEvents().clear();
+    }
+    void SetUp() override { ASSERT_TRUE(ready); }
+
+    bool receive(const char* name, const std::function<void(CefRefPtr<CefListValue>)>& fill) {
+        CefRefPtr<CefProcessMessage> message = CefProcessMessage::Create(name);
+        fill(message->GetArgumentList());
+        bool answer = false;
+        runOnEngine(game, [&] {
+            answer = view.adapter->OnProcessMessageReceived(browser, browser->GetMainFrame(), PID_RENDERER, message);
+        });
+        return answer;
+    }
+    bool gameGot(UINT message) {
+        return std::count(game.gameMessages.begin(), game.gameMessages.end(), message) > 0;
+    }
+
+    GameHost game;
+    ClientView view;
+    CefRefPtr<CefBrowser> browser;
+    bool ready = false;
+};
+
+}  // namespace
+
+TEST_F(Callbacks, EvaluationAnswer_CallsTheWaitingFunctionWithElementsTwoAndThree) {
+    std::vector<std::string> got;
+    view.adapter->getJavascriptProcessor()->getPendingResults()["{id}"] = [&](std::string first, std::string second) {
+        got = {first, second};
+    };
+    EXPECT_TRUE(receive("evaluateJavascript", [](auto list) {
+        list->SetString(0, "{id}");
+        list->SetString(1, "ignored");
+        list->SetString(2, "결과");
+        list->SetString(3, "오류");
+    }));
+    EXPECT_EQ(got, (std::vector<std::string>{"결과", "오류"}));
+}
+
+TEST_F(Callbacks, EvaluationAnswer_UnknownIdOrNoArguments_Ignored) {
+    EXPECT_TRUE(receive("evaluateJavascript", [](auto list) { list->SetString(0, "{none}"); }));
+    EXPECT_TRUE(receive("evaluateJavascript", [](auto) {}));
+}
+
+TEST_F(Callbacks, BindObject_CallbackGetsTheStoredMessageOnlyWhenBothAreThere) {
+    const auto processor = view.adapter->getJavascriptProcessor();
+    std::vector<std::string> got;
+    processor->addObjectCallback("gift", [&](std::string message) { got.push_back(message); });
+    const auto invoke = [&] { return receive("BindObjectAsync", [](auto list) { list->SetString(0, "gift"); }); };
+    EXPECT_TRUE(invoke());
+    EXPECT_TRUE(got.empty()) << "no message is stored yet";
+    processor->addObjectMessage("gift", "first");
+    processor->addObjectMessage("gift", "second");
+    processor->addObjectCallback("gift", [](std::string) { ADD_FAILURE() << "the first registration stays"; });
+    EXPECT_TRUE(invoke());
+    EXPECT_EQ(got, std::vector<std::string>{"first"});
+}
+
+TEST_F(Callbacks, MessageNames_ComparedExactly) {
+    for (const char* name : {"evaluatejavascript", "BindObjectasync", "imePasswordFieldFocus ", "", "other"}) {
+        EXPECT_FALSE(receive(name, [](auto) {})) << name;
+    }
+}
+
+TEST_F(Callbacks, PasswordFieldFocus_FlagWindowMessageAndImeEvent) {
+    registerImeEventCallback(&recordImeEvent);
+    for (const bool focused : {true, false}) {
+        imeEvents().clear();
+        EXPECT_TRUE(receive("imePasswordFieldFocus", [&](auto list) { list->SetBool(0, focused); }));
+        EXPECT_EQ(ZEMO::UI::isPasswordFieldFocused(), focused);
+        EXPECT_EQ(imeEvents(), (std::vector<ImeEvent>{{3, focused ? 1 : 0, 0}}));
+    }
+    registerImeEventCallback(nullptr);
+    EXPECT_TRUE(receive("imePasswordFieldFocus", [](auto list) { list->SetBool(0, true); }));
+    ZEMO::UI::setPasswordFieldFocused(false);
+}
+
+TEST_F(Callbacks, TextSelection_ImeEventOneWithItsRange) {
+    registerImeEventCallback(&recordImeEvent);
+    view.adapter->OnTextSelectionChanged(browser, "abc", CefRange(3, 8));
+    EXPECT_EQ(imeEvents(), (std::vector<ImeEvent>{{1, 3, 8}}));
+}
+
+TEST_F(Callbacks, LoadErrors_AbortedIsSilentCacheMissLoadsAgainOthersAreReported) {
+    HttpServer server;
+    server.serveHtml("/again", solidPage("#123"));
+    const auto error = [&](cef_errorcode_t code) {
+        runOnEngine(game, [&] {
+            view.adapter->OnLoadError(browser, browser->GetMainFrame(), code, "text", server.url("/again"));
+        });
+    };
+    error(ERR_ABORTED);
+    EXPECT_TRUE(view.events->events().empty());
+    error(ERR_CACHE_MISS);
+    EXPECT_TRUE(game.waitFor("the second try", [&] { return server.requestCount("/again") == 1; }));
+    EXPECT_TRUE(game.waitFor("its completion", [&] { return view.events->has("completed"); }));
+    EXPECT_FALSE(view.events->has("failed -400"));
+    error(ERR_FAILED);
+    EXPECT_TRUE(view.events->has("failed -2"));
+}
+
+TEST_F(Callbacks, KeyboardRequested_GamesKeyboardByTypeOnceUntilItCloses) {
+    std::vector<int> asked;
+    auto& manager = ZEMO::UI::ZEMOMultiLayerManager::instance();
+    const auto request = [&](cef_text_input_mode_t mode) {
+        runOnEngine(game, [&] { view.adapter->OnVirtualKeyboardRequested(browser, mode); });
+    };
+    request(CEF_TEXT_INPUT_MODE_DEFAULT);  // no callback is set
+    EXPECT_FALSE(manager.getSteamDeckKeyboardShown());
+    ZEMO::UI::setUIShowSteamDeckKeyboardCallback([&](int type) { asked.push_back(type); });
+    request(CEF_TEXT_INPUT_MODE_NONE);
+    EXPECT_TRUE(asked.empty());
+    struct Case {
+        cef_text_input_mode_t mode;
+        int type;
+    };
+    for (const Case& each : {Case{CEF_TEXT_INPUT_MODE_EMAIL, 2}, Case{CEF_TEXT_INPUT_MODE_NUMERIC, 3},
+                             Case{CEF_TEXT_INPUT_MODE_DEFAULT, 0}, Case{CEF_TEXT_INPUT_MODE_TEL, 0}}) {
+        asked.clear();
+        request(each.mode);
+        request(each.mode);  // it is shown already
+        EXPECT_EQ(asked, std::vector<int>{each.type}) << each.mode;
+        EXPECT_TRUE(manager.getSteamDeckKeyboardShown());
+        request(CEF_TEXT_INPUT_MODE_NONE);
+        EXPECT_TRUE(manager.getSteamDeckKeyboardShown()) << "only the game says that its keyboard is gone";
+        ZEMO::UI::processSteamDeckKeyboardClose();
+        EXPECT_FALSE(manager.getSteamDeckKeyboardShown());
+    }
+    ZEMO::UI::setUIShowSteamDeckKeyboardCallback(nullptr);
+}
+
+TEST_F(Callbacks, DelegateGone_EventsAreLoggedGoNowhereAndEveryNavigationIsCancelled) {
+    DebugLogCapture log;
+    view.events.reset();
+    runOnEngine(game, [&] {
+        view.adapter->navigationStarting();
+        view.adapter->navigationFailed(-2);
+        view.adapter->navigationCompleted();
+        EXPECT_TRUE(view.adapter->navigationRequested("http://anything/"));
+    });
+    for (const char* line : {"navigationStarting\n", "navigationFailed: -2\n", "navigationCompleted\n"}) {
+        EXPECT_TRUE(log.contains(line)) << line;
+    }
+    view.events = std::make_shared<NavigationRecorder>();
+}
+
+TEST_F(Callbacks, CreatedOffTheEngineThread_Ignored) {
+    CefRefPtr<ZEMO::UI::CefAdapter> other =
+        new ZEMO::UI::CefAdapter({}, game.window, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
+    other->OnAfterCreated(browser);
+    EXPECT_EQ(other->getBrowser(), nullptr);
+    other->close();
+}
+
+TEST_F(Callbacks, WindowGone_NoScreenInfoAndOneByOne) {
+    const HWND gone = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    CefRefPtr<ZEMO::UI::CefAdapter> other =
+        new ZEMO::UI::CefAdapter({}, gone, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
+    DestroyWindow(gone);
+    CefRect rect;
+    other->GetViewRect(browser, rect);
+    EXPECT_EQ(rect, CefRect(0, 0, 1, 1));
+    CefScreenInfo info;
+    EXPECT_FALSE(other->GetScreenInfo(browser, info));
+    EXPECT_FALSE(other->OnCursorChange(browser, LoadCursorW(nullptr, IDC_HAND), CT_HAND, {}));
+    other->close();
+}
+
+TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
+    CefScreenInfo info;
+    info.depth = 99;
+    ASSERT_TRUE(view.adapter->GetScreenInfo(browser, info));
+    EXPECT_FLOAT_EQ(info.device_scale_factor, 1.0f);
+    EXPECT_EQ(CefRect(info.rect.x, info.rect.y, info.rect.width, info.rect.height), CefRect(0, 0, 320, 200));
+    EXPECT_EQ(CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width,
+                      info.available_rect.height), CefRect(0, 0, 320, 200));
+    EXPECT_EQ(info.depth, 99) << "the other fields stay as they came";
+}
+
+TEST_F(Callbacks, Closed_BrowserIsOutOfReachAndFramesEnd) {
+    view.adapter->close();
+    EXPECT_EQ(view.adapter->getBrowser(), nullptr);
+    EXPECT_TRUE(game.frames.lastFrame().cleared);
+    runOnEngine(game, [&] {
+        const uint32_t pixel = 0;
+        view.adapter->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
+    });
+    EXPECT_TRUE(game.frames.lastFrame().cleared) << "a late paint must not reach the game";
+}
+
+TEST_F(Callbacks, WindowGoing_NoFurtherFrameIsTaken) {
+    view.adapter->markClosing();
+    const size_t before = game.frames.frameCount();
+    runOnEngine(game, [&] {
+        const uint32_t pixel = 0;
+        view.adapter->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
+    });
+    EXPECT_EQ(game.frames.frameCount(), before);
+}
+
+}  // namespace ZEMO::Test

@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <format>
+#include <fstream>
+
+#include "cef/engine_library.h"
+#include "client/client_view.h"
+#include "engine/cef_module.h"
+#include "engine/helper_game.h"
+#include "render/rendering_mode.h"
+#include "support/http_server.h"
+
+// The browser client with a real browser, driven where no export reaches: input by the test, cursors, popups, the end.
+namespace ZEMO::Test {
+namespace {
+
+/// Position and size of the pixels of one colour; {} when there are none.
+FrameRect areaOf(const FrameRecorder& frames, uint32_t color) {
+    int width = 0;
+    int height = 0;
+    const std::vector<uint32_t> picture = frames.picture(&width, &height);
+    int left = width, top = height, right = 0, bottom = 0;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            if (picture[static_cast<size_t>(y) * width + x] != color) continue;
+            left = std::min(left, x), top = std::min(top, y);
+            right = std::max(right, x + 1), bottom = std::max(bottom, y + 1);
+        }
+    }
+    return right > left ? FrameRect{left, top, right - left, bottom - top} : FrameRect{};
+}
+
+HCURSOR classCursor(HWND window) { return reinterpret_cast<HCURSOR>(GetClassLongPtrW(window, GCLP_HCURSOR)); }
+
+}  // namespace
+
+TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><style>html,body{margin:0;background:#fff}select{position:absolute;left:20px;"
+                          "top:10px;width:120px;height:24px}option{background:#00ff00;color:#00ff00}</style><select>"
+                          "<option>a<option>b<option>c<option>d</select>");
+    GameHost game;
+    ClientView view(game, server.url("/"));
+    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(300, 190) == 0xFFFFFFFFu; }));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+    ASSERT_EQ(areaOf(game.frames, 0xFF00FF00u), FrameRect{});
+    view.click(60, 20);
+    ASSERT_TRUE(game.waitFor("the open list", [&] { return areaOf(game.frames, 0xFF00FF00u).height > 20; }));
+    const FrameRect list = areaOf(game.frames, 0xFF00FF00u);
+    EXPECT_GE(list.x, 20);
+    EXPECT_LE(list.x + list.width, 141);
+    EXPECT_GE(list.y, 34) << "below its field";
+    EXPECT_TRUE(game.frames.replayMatches());
+    view.click(280, 180);
+    EXPECT_TRUE(game.waitFor("the closed list", [&] { return areaOf(game.frames, 0xFF00FF00u) == FrameRect{}; }));
+    EXPECT_TRUE(game.frames.replayMatches()) << "the area under the list must be reported";
+}
+
+TEST(RealClient, CursorOverALink_PostedToTheGamesWindowOnALayer) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
+                          "link</a>");
+    GameHost game;
+    ClientView view(game, server.url("/"));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+    const HCURSOR before = classCursor(game.window);
+    game.gameMessages.clear();
+    view.moveMouse(100, 150);
+    view.moveMouse(50, 40);
+    // No layer is on the manager's list, so the message goes through to the game: WM_SETCURSOR, posted.
+    EXPECT_TRUE(game.waitFor("the cursor message", [&] {
+        return std::count(game.gameMessages.begin(), game.gameMessages.end(), static_cast<UINT>(WM_SETCURSOR)) > 0;
+    }));
+    EXPECT_EQ(classCursor(game.window), before) << "a layer leaves the game's class cursor alone";
+}
+
+TEST(RealClient, CursorOverALink_BecomesTheClassCursorOfAnOwnWindow) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
+                          "link</a>");
+    GameHost game;
+    const HCURSOR before = classCursor(game.window);
+    {
+        ClientView view(game, server.url("/"), {.style = ZEMO::UI::WindowStyle::Window});
+        ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+        view.moveMouse(100, 150);
+        view.moveMouse(50, 40);
+        EXPECT_TRUE(game.waitFor("the link's cursor", [&] {
+            return classCursor(game.window) != before && classCursor(game.window) != LoadCursorW(nullptr, IDC_ARROW);
+        }));
+    }
+    SetClassLongPtrW(game.window, GCLP_HCURSOR, reinterpret_cast<LONG_PTR>(before));
+}
+
+TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
+    // The test's own handler of its own scheme, in the test's own registry, records what the shell was told.
+    const std::filesystem::path record = programDirectory() / L"popup.txt";
+    std::filesystem::remove(record);
+    HKEY key = nullptr;
+    const std::wstring classes = L"Software\\Classes\\zemotestpopup";
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + L"\\shell\\open\\command").c_str(), 0, nullptr, 0,
+                              KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
+    const std::wstring command = std::format(
+        L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"zemo_engine_helper.exe").wstring(), record.wstring());
+    RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                   static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
+    RegCloseKey(key);
+    RegSetKeyValueW(HKEY_CURRENT_USER, classes.c_str(), L"URL Protocol", REG_SZ, L"", sizeof(wchar_t));
+
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><style>body{margin:0;background:#135}a{display:block;width:200px;height:80px}"
+                          "</style><a target=_blank href='zemotestpopup:hello'>popup</a>");
+    GameHost game;
+    {
+        ClientView view(game, server.url("/"));
+        ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+        const size_t children = childProcesses().size();
+        view.click(50, 40);
+        EXPECT_TRUE(game.waitFor("the shell's handler", [&] { return std::filesystem::exists(record); }));
+        game.pass(300ms);
+        EXPECT_LE(childProcesses().size(), children + 1) << "no popup browser (the handler itself may still run)";
+        game.frames.forgetFrames();
+        EXPECT_TRUE(game.waitFor("the page going on", [&] { return game.frames.frameCount() > 3; }));
+    }
+    std::string said;
+    std::ifstream stream(record);
+    std::getline(stream, said);
+    stream.close();
+    EXPECT_EQ(said, "zemotestpopup:hello");
+    RegDeleteTreeW(HKEY_CURRENT_USER, classes.c_str());
+    std::filesystem::remove(record);
+}
+
+TEST(RealClient, MaximiseInADirect3D11Game_TenSmallerSizesThenTheTrueOne) {
+    GameHost game;
+    ClientView view(game, "data:text/html,x");
+    ASSERT_TRUE(game.waitFor("the browser", [&] { return view.adapter->getBrowser() != nullptr; }));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+    const auto ask = [&] {
+        CefRect rect;
+        view.adapter->GetViewRect(nullptr, rect);
+        return std::pair(rect.width, rect.height);
+    };
+    // The engine asks too while it is running, on its own thread: hide the view and let the wiggle be asked for here only.
+    view.adapter->setVisible(false, true);
+    game.pass(300ms);
+    ZEMO::UI::setRenderingMode(ZEMO::UI::RenderingMode::OpenGL);
+    view.adapter->startWiggleResize();
+    EXPECT_EQ(ask(), std::pair(320, 200)) << "no other game needs it";
+    ZEMO::UI::setRenderingMode(ZEMO::UI::RenderingMode::D3D11);
+    for (int less = 10; less >= 1; --less) EXPECT_EQ(ask(), std::pair(320 - less, 200 - less));
+    EXPECT_EQ(ask(), std::pair(320, 200));
+    EXPECT_EQ(ask(), std::pair(320, 200));
+}
+
+TEST(RealClient, SecondBrowserCreated_FirstStays) {
+    GameHost game;
+    ClientView view(game, "data:text/html,x");
+    ASSERT_TRUE(game.waitFor("the browser", [&] { return view.adapter->getBrowser() != nullptr; }));
+    const int first = view.adapter->getBrowser()->GetIdentifier();
+    CefWindowInfo windowInfo;
+    windowInfo.parent_window = game.window;
+    windowInfo.windowless_rendering_enabled = true;
+    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
+    // A second real browser with the same client; it is left to the end of the process.
+    CefBrowserHost::CreateBrowser(windowInfo, view.adapter, "data:text/html,second", CefBrowserSettings(), nullptr, nullptr);
+    ASSERT_TRUE(game.waitFor("both loads", [&] { return view.events->count("completed") >= 2; }));
+    EXPECT_EQ(view.adapter->getBrowser()->GetIdentifier(), first);
+}
+
+TEST(RealClient, ViewsUsedAndEngineStopped_NoReferenceIsLeft) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#556"));
+    {
+        GameHost game;
+        for (int i = 0; i < 3; ++i) {
+            ClientView view(game, server.url("/"));
+            ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
+            ASSERT_TRUE(game.waitFor("frames", [&] { return game.frames.frameCount() > 2; }));
+            game.frames.forgetFrames();
+        }
+        // A close takes its way through the engine; the stop would cut it short.
+        EXPECT_TRUE(game.waitFor("the browsers' end", [] { return cefLiveEngineObjects() == 0; }))
+            << cefLiveEngineObjects();
+    }
+    ZEMO::UI::CefModule::stop();
+    EXPECT_EQ(cefLiveClientObjects(), 0);
+    EXPECT_EQ(cefLiveEngineObjects(), 0);
+}
+
+}  // namespace ZEMO::Test

@@ -1,0 +1,181 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <format>
+
+#include "engine/game_host.h"
+#include "engine/helper_game.h"
+#include "support/debug_log.h"
+#include "support/http_server.h"
+
+// What goes wrong around a page, provoked for real.
+namespace ZEMO::Test {
+namespace fs = std::filesystem;
+namespace {
+
+DWORD pageProcess() {
+    for (const DWORD child : childProcesses()) {
+        if (childType(child) == "renderer") return child;
+    }
+    return 0;
+}
+
+/// Renames a file of the library's folder for as long as it lives.
+class HiddenFile {
+   public:
+    explicit HiddenFile(const wchar_t* name) : file(programDirectory() / name), hidden(file.wstring() + L".hidden") {
+        fs::rename(file, hidden);
+    }
+    ~HiddenFile() {
+        std::error_code ignored;
+        fs::rename(hidden, file, ignored);
+    }
+
+   private:
+    fs::path file, hidden;
+};
+
+}  // namespace
+
+TEST(Faults, PageProcessKilledTwentyTimes_PageComesBackAndFailureIsReported) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#334455"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(9, 9) == 0xFF334455u; }));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return events.has("completed"); }));
+    DWORD before = 0;
+    for (size_t kill = 1; kill <= 20; ++kill) {
+        DWORD victim = 0;
+        ASSERT_TRUE(game.waitFor("a page process", [&] { return (victim = pageProcess()) != 0 && victim != before; }));
+        before = victim;
+        ASSERT_TRUE(killProcess(victim)) << kill;
+        ASSERT_TRUE(game.waitFor("the failure", [&] { return events.count("failed -600") == kill; })) << kill;
+        ASSERT_TRUE(game.waitFor("the page again", [&] { return server.requestCount("/") == kill + 1; })) << kill;
+        ASSERT_TRUE(game.waitFor("its completion", [&] { return events.count("completed") >= kill + 1; })) << kill;
+    }
+    game.frames.forgetFrames();
+    EXPECT_TRUE(game.waitFor("a whole frame of the page", [&] {
+        for (const Frame& frame : game.frames.frames()) {
+            if (frame.wholeFrame()) return game.frames.pixel(9, 9) == 0xFF334455u;
+        }
+        return false;
+    }));
+    EXPECT_EQ(events.count("failed -600"), 20u);
+}
+
+TEST(Faults, ChildProgramMissing_NothingHangs) {
+    const HiddenFile hidden(L"cefsubprocess\\cef.subprocess.exe");
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->show();
+    game.pass(2s);
+    EXPECT_EQ(events.count("completed"), 0u);
+    const ULONGLONG before = GetTickCount64();
+    view->close();
+    view.reset();
+    EXPECT_LT(GetTickCount64() - before, 5000u) << "closing must not wait for a page that never came";
+}
+
+TEST(Faults, NoMainWindow_PageIsPaintedAtTheDesktopsSize) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#556677"));
+    GameHost game({.mainWindow = false});
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(9, 9) == 0xFF556677u; }));
+    EXPECT_EQ(game.frames.lastFrame().width, GetSystemMetrics(SM_CXSCREEN));
+    EXPECT_EQ(game.frames.lastFrame().height, GetSystemMetrics(SM_CYSCREEN));
+}
+
+TEST(Faults, PagesThatDoNotExist_FailuresAreReported) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#010203"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("http://127.0.0.1:1/", events);  // nobody listens on port 1
+    view->show();
+    EXPECT_TRUE(game.waitFor("a refused connection", [&] { return events.has("failed -102") || events.has("failed -312"); }))
+        << "ERR_CONNECTION_REFUSED or ERR_UNSAFE_PORT";
+    view->loadPage("no such page");
+    EXPECT_TRUE(game.waitFor("a missing file", [&] { return events.has("failed -6"); })) << "ERR_FILE_NOT_FOUND";
+    view->loadContent(addressItem(server.url("/nowhere")));
+    EXPECT_TRUE(game.waitFor("the server's own answer", [&] { return server.requestCount("/nowhere") == 1; }));
+    view->loadContent(addressItem(server.url("/")));
+    EXPECT_TRUE(game.waitFor("a good page after them", [&] { return game.frames.pixel(9, 9) == 0xFF010203u; }));
+}
+
+TEST(Faults, NavigationAbortedByANewerOne_NoFailure) {
+    HttpServer server;
+    server.serve("/slow", {.body = "late", .delayMs = 20'000});
+    server.serveHtml("/", solidPage("#0a0b0c"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the first page", [&] { return events.has("completed"); }));
+    view->loadContent(addressItem(server.url("/slow")));
+    ASSERT_TRUE(game.waitFor("the slow request", [&] { return server.requestCount("/slow") == 1; }));
+    view->loadContent(addressItem(server.url("/?second")));
+    ASSERT_TRUE(game.waitFor("the second page", [&] { return events.count("completed") >= 2; }));
+    for (const std::string& event : events.events()) EXPECT_FALSE(event.starts_with("failed")) << event;
+}
+
+TEST(Faults, PageThatNeverEnds_CloseReturnsAtOnce) {
+    HttpServer server;
+    server.serve("/", {.body = "<!doctype html><body>...", .neverEnds = true});
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the request", [&] { return server.requestCount("/") == 1; }));
+    game.pass(300ms);
+    view->close();
+    view.reset();
+    EXPECT_TRUE(game.waitFor("the end of frames", [&] { return game.frames.lastFrame().cleared; }));
+}
+
+TEST(Faults, ScriptThatNeverEnds_CloseReturnsAtOnce) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><script>for(;;){}</script>");
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the request", [&] { return server.requestCount("/") == 1; }));
+    game.pass(500ms);
+    view->close();
+    view.reset();
+    EXPECT_TRUE(game.frames.lastFrame().cleared);
+}
+
+TEST(Faults, EngineDataMissing_LogNamesTheFileBeforeTheEngineDies) {
+    // The engine ends its process for a missing file, so a process of its own meets it.
+    const HiddenFile hidden(L"icudtl.dat");
+    HelperGame game(programDirectory() / L"ZEMOUIFramework.dll", L"return", programDirectory());
+    EXPECT_TRUE(game.waitForEnd(60s)) << "neither started nor ended: " << game.output();
+    EXPECT_NE(game.exitCode(), 7u);
+    EXPECT_NE(game.output().find("log: engine file is missing: icudtl.dat"), std::string::npos) << game.output();
+}
+
+TEST(Faults, EngineLibraryMissing_LibraryStartsWithoutPagesAndSaysWhy) {
+    const HiddenFile hidden(L"libcef.dll");
+    DebugLogCapture log;
+    GameHost game;
+    EXPECT_TRUE(log.contains("cef could not be loaded"));
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->show();
+    game.pass(500ms);
+    EXPECT_EQ(game.frames.frameCount(), 0u);
+    EXPECT_FALSE(view->canGoBack());
+    view->close();
+    view->show();
+    view.reset();
+}
+
+}  // namespace ZEMO::Test

@@ -1,0 +1,106 @@
+#include "engine/helper_game.h"
+
+#include <tlhelp32.h>
+
+#include <format>
+#include <stdexcept>
+
+namespace ZEMO::Test {
+
+std::filesystem::path programDirectory() {
+    wchar_t path[1024];
+    GetModuleFileNameW(nullptr, path, 1024);
+    return std::filesystem::path(path).parent_path();
+}
+
+std::vector<DWORD> processesBelow(const std::filesystem::path& directory) {
+    std::vector<DWORD> found;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
+        const HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, entry.th32ProcessID);
+        if (!process) continue;
+        wchar_t path[1024];
+        DWORD length = 1024;
+        if (QueryFullProcessImageNameW(process, 0, path, &length)) {
+            std::wstring image(path, length);
+            std::wstring below = directory.wstring() + L"\\";
+            if (_wcsnicmp(image.c_str(), below.c_str(), below.size()) == 0) found.push_back(entry.th32ProcessID);
+        }
+        CloseHandle(process);
+    }
+    CloseHandle(snapshot);
+    return found;
+}
+
+HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring& way,
+                       const std::filesystem::path& workingDirectory) {
+    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+    HANDLE write = nullptr;
+    CreatePipe(&pipe, &write, &inherit, 0);
+    SetHandleInformation(pipe, HANDLE_FLAG_INHERIT, 0);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = write;
+    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    const std::filesystem::path program = programDirectory() / L"zemo_engine_helper.exe";
+    std::wstring line = std::format(L"\"{}\" \"{}\" {}", program.wstring(), library.wstring(), way);
+    const BOOL started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        workingDirectory.c_str(), &startup, &process);
+    CloseHandle(write);
+    if (!started) throw std::runtime_error(std::format("the helper game did not start: {}", GetLastError()));
+    reader = std::thread(&HelperGame::readLines, this);
+}
+
+HelperGame::~HelperGame() {
+    kill();
+    reader.join();
+    CloseHandle(pipe);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+}
+
+void HelperGame::readLines() {
+    char buffer[256];
+    for (DWORD n = 0; ReadFile(pipe, buffer, sizeof buffer, &n, nullptr) && n > 0;) {
+        const std::lock_guard lock(mutex);
+        for (DWORD i = 0; i < n; ++i) {
+            if (buffer[i] != '\r') text += buffer[i];
+        }
+        arrived.notify_all();
+    }
+    const std::lock_guard lock(mutex);
+    finished = true;
+    arrived.notify_all();
+}
+
+bool HelperGame::waitForLine(const std::string& line, std::chrono::milliseconds timeout) {
+    std::unique_lock lock(mutex);
+    const auto there = [&] { return ("\n" + text).find("\n" + line + "\n") != std::string::npos; };
+    arrived.wait_for(lock, timeout, [&] { return there() || finished; });
+    return there();
+}
+
+bool HelperGame::waitForEnd(std::chrono::milliseconds timeout) {
+    return WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;
+}
+
+DWORD HelperGame::exitCode() const {
+    DWORD code = 0;
+    GetExitCodeProcess(process.hProcess, &code);
+    return code;
+}
+
+void HelperGame::kill() {
+    TerminateProcess(process.hProcess, 1);
+    WaitForSingleObject(process.hProcess, 10'000);
+}
+
+std::string HelperGame::output() const {
+    const std::lock_guard lock(mutex);
+    return text;
+}
+
+}  // namespace ZEMO::Test

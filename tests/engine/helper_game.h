@@ -1,0 +1,50 @@
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace ZEMO::Test {
+
+/// Directory of this test program, which is also the library's.
+std::filesystem::path programDirectory();
+
+/// Ids of all running processes whose program lies below `directory`.
+std::vector<DWORD> processesBelow(const std::filesystem::path& directory);
+
+/// A game in a process of its own (see engine_helper), with the lines that it printed. Killed, if still running, by the
+/// destructor.
+class HelperGame {
+   public:
+    /// `library`: full path of the library file to load. `workingDirectory`: the process's current directory.
+    HelperGame(const std::filesystem::path& library, const std::wstring& way,
+               const std::filesystem::path& workingDirectory);
+    ~HelperGame();
+    HelperGame(const HelperGame&) = delete;
+    HelperGame& operator=(const HelperGame&) = delete;
+
+    bool waitForLine(const std::string& line, std::chrono::milliseconds timeout = std::chrono::seconds(90));
+    bool waitForEnd(std::chrono::milliseconds timeout);
+    DWORD exitCode() const;
+    DWORD processId() const { return process.dwProcessId; }
+    void kill();
+    std::string output() const;
+
+   private:
+    void readLines();
+    PROCESS_INFORMATION process{};
+    HANDLE pipe = nullptr;
+    mutable std::mutex mutex;
+    std::condition_variable arrived;
+    std::string text;
+    bool finished = false;
+    std::thread reader;
+};
+
+}  // namespace ZEMO::Test

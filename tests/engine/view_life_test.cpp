@@ -1,0 +1,382 @@
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <atomic>
+#include <thread>
+
+#include "engine/game_host.h"
+#include "support/debug_log.h"
+#include "support/http_server.h"
+
+// A view from its making to its end, as a game drives it.
+namespace ZEMO::Test {
+namespace {
+
+struct Usage {
+    size_t children = 0;
+    DWORD handles = 0;
+    SIZE_T bytes = 0;
+};
+
+Usage usage() {
+    Usage now;
+    now.children = childProcesses().size();
+    GetProcessHandleCount(GetCurrentProcess(), &now.handles);
+    PROCESS_MEMORY_COUNTERS_EX memory{};
+    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory), sizeof memory);
+    now.bytes = memory.PrivateUsage;
+    return now;
+}
+
+class ShownRecorder : public ZEMO::UI::ZEMOViewDelegate {
+   public:
+    void viewDidShow(ZEMO::UI::IZEMOView*) override { ++shown; }
+    void viewDidClose(ZEMO::UI::IZEMOView*) override { ++closed; }
+    int shown = 0, closed = 0;
+};
+
+}  // namespace
+
+TEST(ViewLife, TwoHundredViewsOpenedAndClosed_ProcessIsBackWhereItWas) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#445566"));
+    GameHost game;
+    NavigationRecorder events;
+    const auto oneView = [&](int index) {
+        game.frames.forgetFrames();
+        auto view = game.makeView(server.url("/"), events);
+        view->show();
+        // Every fourth is dropped before its browser exists, every other one once its page is there.
+        if (index % 4 != 0) {
+            ASSERT_TRUE(game.waitFor("a frame", [&] {
+                const Frame last = game.frames.lastFrame();
+                return last.width == 320 && !last.cleared && game.frames.pixel(9, 9) == 0xFF445566u;
+            })) << index;
+        }
+        view->close();
+        view.reset();
+    };
+    const auto settled = [&] {
+        return game.waitFor("the page processes' end", [&] {
+            size_t pages = 0;
+            for (const DWORD child : childProcesses()) pages += childType(child) == "renderer";
+            return pages <= 1;  // the engine keeps one warm for the next page
+        });
+    };
+    for (int i = 0; i < 20; ++i) oneView(i);  // caches, thread pools and the like fill up
+    ASSERT_TRUE(settled());
+    game.pass(1s);
+    const Usage before = usage();
+    for (int i = 0; i < 200; ++i) {
+        oneView(i);
+        if (HasFatalFailure()) return;
+    }
+    ASSERT_TRUE(settled());
+    game.pass(2s);
+    const Usage after = usage();
+    EXPECT_LE(after.children, before.children + 1);
+    // A leak of one handle or one frame (256 kB) a view would show as 200 handles or 50 MB.
+    EXPECT_LE(after.handles, before.handles + 100) << "before " << before.handles;
+    EXPECT_LE(after.bytes, before.bytes + 30'000'000) << "before " << before.bytes;
+}
+
+TEST(ViewLife, ForwardersBeforeShow_DoNothing) {
+    GameHost game({.startLibrary = false});
+    auto view = ZEMO::UI::createWebViewDefault();
+    view->goBack();
+    view->goForward();
+    EXPECT_FALSE(view->canGoBack());
+    EXPECT_FALSE(view->canGoForward());
+    view->setContentItems({addressItem("http://x/")});
+    view->evaluateJavascript("1", [](std::string, std::string) { ADD_FAILURE() << "called"; });
+    view->addJavascriptCallback("name", [](std::string) { ADD_FAILURE() << "called"; });
+    EXPECT_EQ(view->bindObject("gift", "token 1"),
+              "window.BindObjectAsync(\"gift\").then(function(result) {gift.postMessage(\"gift\",'token 1');})");
+    view->reserved("text");
+    view->close();
+}
+
+TEST(ViewLife, LoadsBeforeShow_LastTextWinsAndOneBrowserIsMade) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,unused", events);
+    view->loadContent(nullptr);
+    view->loadPage("first");
+    view->loadPage("start");
+    view->show();
+    ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    size_t requested = 0;
+    for (const std::string& event : events.events()) {
+        if (!event.starts_with("requested")) continue;
+        ++requested;
+        EXPECT_TRUE(event.ends_with("/resources/html/start.html")) << event;
+    }
+    EXPECT_EQ(requested, 1u);
+}
+
+TEST(ViewLife, NothingStored_EmptyHtmlPageIsShown) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,unused", events);
+    view->loadContent(nullptr);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the empty page", [&] { return events.has("completed"); }));
+    EXPECT_TRUE(events.has("requested data:text/html;base64,")) << events.events().front();
+}
+
+TEST(ViewLife, HtmlStoredThenPage_HtmlRoadIsTaken) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,unused", events);
+    view->loadContent(nullptr);
+    view->loadHtml("<!doctype html><style>html{background:#778899}</style>", "C:/x/html/p.html");
+    view->loadPage("start");
+    view->show();
+    EXPECT_TRUE(game.waitFor("the HTML's colour", [&] { return game.frames.pixel(9, 9) == 0xFF778899u; }));
+}
+
+TEST(ViewLife, WebAddressInMixedCaseWithItems_CreatesTheBrowserOnIt) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#8899aa"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,unused", events);
+    view->loadContent(nullptr);
+    std::string address = server.url("/");
+    address.replace(0, 4, "HTTP");
+    view->loadUrl(address, {addressItem(address)});
+    view->show();
+    EXPECT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(9, 9) == 0xFF8899AAu; }));
+}
+
+TEST(ViewLife, OpenViewLoadsAgain_EachRoadNavigatesTheSameBrowser) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#99aabb"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the first page", [&] { return game.frames.pixel(9, 9) == 0xFF99AABBu; }));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return events.count("completed") == 1; }));
+    view->loadHtml("<!doctype html><style>html{background:#112200}</style>", "");
+    EXPECT_TRUE(game.waitFor("the HTML", [&] { return game.frames.pixel(9, 9) == 0xFF112200u; }));
+    EXPECT_TRUE(game.waitFor("way back", [&] { return view->canGoBack(); }));
+    EXPECT_FALSE(view->canGoForward());
+    view->goBack();
+    EXPECT_TRUE(game.waitFor("the first page again", [&] { return game.frames.pixel(9, 9) == 0xFF99AABBu; }));
+    EXPECT_TRUE(game.waitFor("way forward", [&] { return view->canGoForward(); }));
+    view->goForward();
+    EXPECT_TRUE(game.waitFor("the HTML again", [&] { return game.frames.pixel(9, 9) == 0xFF112200u; }));
+    events.forget();
+    view->loadUrl("start", {});
+    EXPECT_TRUE(game.waitFor("the local page by name", [&] {
+        for (const std::string& event : events.events()) {
+            if (event.starts_with("requested file:///") && event.ends_with("/resources/html/start.html")) return true;
+        }
+        return false;
+    }));
+    EXPECT_TRUE(game.waitFor("its completion", [&] { return events.has("completed"); }));
+    events.forget();
+    view->loadUrl(server.url("/"), {});  // on an open view this is a name, deliberately
+    EXPECT_TRUE(game.waitFor("a missing local page", [&] {
+        for (const std::string& event : events.events()) {
+            if (event.starts_with("failed")) return true;
+        }
+        return false;
+    }));
+    view->loadContent(addressItem(server.url("/")));
+    EXPECT_TRUE(game.waitFor("the address as content", [&] { return game.frames.pixel(9, 9) == 0xFF99AABBu; }));
+}
+
+TEST(ViewLife, ReservedAddresses_NeverReachDelegateOrNetwork) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><style>html{background:#204020}</style><script>onload=()=>setTimeout(()=>{"
+                          "location='zemosdk://gamepadinit?use=TRUE'},200)</script>");
+    server.serveHtml("/use", "<!doctype html><script>onload=()=>setTimeout(()=>{location='ZEMOSDK://GamePadInit?use=true'"
+                             "},200)</script>");
+    server.serveHtml("/other", "<!doctype html><script>onload=()=>setTimeout(()=>{location='zemosdk://anything'},200)"
+                               "</script>");
+    GameHost game;
+    std::atomic<int> used{-1};
+    ZEMO::UI::setUIGameControllerScriptUseCallback([&](int value) { used = value; });
+    NavigationRecorder events;
+    events.decide = [](const std::string& url) { return url.starts_with("zemosdk"); };
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    EXPECT_TRUE(game.waitFor("use=TRUE, which is not true", [&] { return used == 0; }));
+    view->loadContent(addressItem(server.url("/use")));
+    EXPECT_TRUE(game.waitFor("use=true", [&] { return used == 1; }));
+    for (const std::string& event : events.events()) {
+        EXPECT_EQ(event.find("gamepadinit"), std::string::npos) << event;
+        EXPECT_EQ(event.find("GamePadInit"), std::string::npos) << event;
+    }
+    view->loadContent(addressItem(server.url("/other")));
+    EXPECT_TRUE(game.waitFor("an unknown host of the scheme", [&] {
+        for (const std::string& event : events.events()) {
+            if (event.starts_with("requested zemosdk://anything")) return true;
+        }
+        return false;
+    }));
+    ZEMO::UI::setUIGameControllerScriptUseCallback(nullptr);
+}
+
+TEST(ViewLife, DelegateRefuses_NavigationDoesNotHappen) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#aa1100"));
+    server.serveHtml("/no", solidPage("#00aa11"));
+    GameHost game;
+    NavigationRecorder events;
+    events.decide = [](const std::string& url) { return url.ends_with("/no"); };
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(9, 9) == 0xFFAA1100u; }));
+    view->loadContent(addressItem(server.url("/no")));
+    ASSERT_TRUE(game.waitFor("the question", [&] { return events.has("requested " + server.url("/no")); }));
+    game.pass(500ms);
+    EXPECT_EQ(server.requestCount("/no"), 0u);
+    EXPECT_EQ(game.frames.pixel(9, 9), 0xFFAA1100u);
+}
+
+TEST(ViewLife, PageWithFrame_StartsAndCompletionsForEachFrame) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><iframe src='/inner'></iframe>");
+    server.serveHtml("/inner", solidPage("#123123"));
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView(server.url("/"), events);
+    view->show();
+    EXPECT_TRUE(game.waitFor("both frames", [&] { return events.count("completed") == 2; }));
+    EXPECT_EQ(events.count("starting"), 2u);
+}
+
+TEST(ViewLife, TwoLayers_TheLastShownIsSeenAndTheFirstComesBack) {
+    HttpServer server;
+    server.serveHtml("/a", solidPage("#aa0000"));
+    server.serveHtml("/b", solidPage("#0000bb"));
+    GameHost game;
+    NavigationRecorder events;
+    const DWORD before = GetPriorityClass(GetCurrentProcess());
+    auto first = game.makeView(server.url("/a"), events);
+    first->show();
+    EXPECT_NE(GetPriorityClass(GetCurrentProcess()), before) << "a shown layer raises the priority class";
+    ASSERT_TRUE(game.waitFor("the first", [&] { return game.frames.pixel(9, 9) == 0xFFAA0000u; }));
+    auto second = game.makeView(server.url("/b"), events);
+    second->show();
+    ASSERT_TRUE(game.waitFor("the second", [&] { return game.frames.pixel(9, 9) == 0xFF0000BBu; }));
+    game.pass(400ms);
+    EXPECT_EQ(game.frames.pixel(9, 9), 0xFF0000BBu) << "a covered layer must not present";
+    second->close();
+    EXPECT_TRUE(game.waitFor("the first again", [&] {
+        const Frame last = game.frames.lastFrame();
+        return last.wholeFrame() && game.frames.pixel(9, 9) == 0xFFAA0000u;
+    }));
+    first->close();
+    EXPECT_EQ(GetPriorityClass(GetCurrentProcess()), before);
+}
+
+TEST(ViewLife, ShowAndClose_ViewDelegateHearsBothAndADroppedOneNothing) {
+    GameHost game;
+    auto delegate = std::make_shared<ShownRecorder>();
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->setViewDelegate(delegate);
+    view->show();
+    EXPECT_EQ(delegate->shown, 1);
+    view->close();
+    EXPECT_EQ(delegate->closed, 1);
+    view->show();
+    EXPECT_EQ(delegate->shown, 2);
+    std::weak_ptr<ShownRecorder> watched = delegate;
+    delegate.reset();
+    EXPECT_TRUE(watched.expired()) << "the view holds its delegate weakly";
+    view->close();
+}
+
+TEST(ViewLife, ShowAndWait_FirstWaitReturnsAtOnceAndASecondThreadWaitsForClose) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->showAndWait();  // would hang the test if it waited
+    std::atomic<bool> through{false};
+    std::thread waiter([&] {
+        view->showAndWait();
+        through = true;
+        view->close();
+    });
+    game.pass(300ms);
+    EXPECT_FALSE(through);
+    view->close();
+    EXPECT_TRUE(game.waitFor("the second waiter", [&] { return through.load(); }));
+    waiter.join();
+}
+
+TEST(ViewLife, UnknownDisplayMode_MakesNoLayerAndNoCrash) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->setDisplayMode(2);
+    view->show();
+    view->loadPage("start");
+    EXPECT_FALSE(view->canGoBack());
+    view->close();
+    game.pass(300ms);
+    EXPECT_TRUE(events.events().empty());
+}
+
+TEST(ViewLife, OwnWindow_OpensOnTheScreenStaysAfterCloseAndGoesWithItsCloseMessage) {
+    GameHost game;
+    auto delegate = std::make_shared<ShownRecorder>();
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->setDisplayMode(1);
+    view->setSize(500.9f, 300.9f);
+    view->setViewDelegate(delegate);
+    view->show();
+    const HWND own = FindWindowW(L"ZEMOExtraWindowClass", L"Zemo window");
+    ASSERT_TRUE(own);
+    EXPECT_EQ(GetWindow(own, GW_OWNER), game.window);
+    EXPECT_TRUE(IsWindowVisible(own));
+    EXPECT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    view->close();
+    game.pass(200ms);
+    EXPECT_TRUE(IsWindow(own)) << "close leaves the native window";
+    EXPECT_EQ(delegate->closed, 1);
+    PostMessageW(own, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(game.waitFor("the window's end", [&] { return !IsWindow(own); }));
+    EXPECT_EQ(delegate->closed, 2) << "the window's own end is told too";
+    view.reset();
+}
+
+TEST(ViewLife, OwnWindowViewDropped_WindowCloses) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->setDisplayMode(1);
+    view->setSize(400, 300);
+    view->show();
+    const HWND own = FindWindowW(L"ZEMOExtraWindowClass", nullptr);
+    ASSERT_TRUE(own);
+    ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    view.reset();
+    EXPECT_TRUE(game.waitFor("the window's end with its browser", [&] { return !IsWindow(own); }));
+}
+
+TEST(ViewLife, LogLines_OfStartAndOfAView_WordForWord) {
+    DebugLogCapture log;
+    GameHost game;
+    NavigationRecorder events;
+    {
+        auto view = game.makeView("data:text/html,x", events);
+        view->show();
+        ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    }
+    for (const char* line : {"cef initializing ... \n", "cef is initialized.\n", "cef module is ready\n",
+                             "navigationStarting\n", "navigationCompleted\n", "html view is closed\n"}) {
+        EXPECT_TRUE(log.contains(line)) << line;
+    }
+}
+
+}  // namespace ZEMO::Test

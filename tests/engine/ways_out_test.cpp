@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "engine/game_host.h"
+#include "engine/helper_game.h"
+
+// Whole processes with the real engine and an open view: how they end, what they leave, how two of them share a folder.
+namespace ZEMO::Test {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr auto kEnd = 5s;
+
+/// A copy of the library's folder (hard links, so it costs nothing) under another name.
+fs::path copyOfLibraryFolder(const wchar_t* name) {
+    const fs::path from = programDirectory();
+    const fs::path to = from / name;
+    for (const auto& entry : fs::recursive_directory_iterator(from)) {
+        const fs::path relative = fs::relative(entry.path(), from);
+        const std::wstring first = relative.begin()->wstring();
+        if (first == name || first.starts_with(L"cache") || first == L"tmp" || first == L"stage") continue;
+        if (entry.is_directory()) {
+            fs::create_directories(to / relative);
+        } else if (entry.path().extension() != L".exe" || relative.has_parent_path()) {
+            fs::create_directories((to / relative).parent_path());
+            std::error_code error;
+            fs::create_hard_link(entry.path(), to / relative, error);
+            if (error) fs::copy_file(entry.path(), to / relative);
+        }
+    }
+    return to;
+}
+
+bool lockIsFree(const fs::path& cache) {
+    const HANDLE lock = CreateFileW((cache / L"cef.lock").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (lock == INVALID_HANDLE_VALUE) return false;
+    CloseHandle(lock);
+    return true;
+}
+
+bool noEngineProcessLeft(const fs::path& directory) {
+    const ULONGLONG end = GetTickCount64() + 5000;
+    while (!processesBelow(directory / L"cefsubprocess").empty()) {
+        if (GetTickCount64() > end) return false;
+        Sleep(50);
+    }
+    return true;
+}
+
+fs::path libraryFile() { return programDirectory() / L"ZEMOUIFramework.dll"; }
+
+class WaysOut : public ::testing::TestWithParam<const wchar_t*> {};
+
+}  // namespace
+
+TEST_P(WaysOut, OpenView_EndsInFiveSecondsAndLeavesNothing) {
+    HelperGame game(libraryFile(), GetParam(), programDirectory());
+    ASSERT_TRUE(game.waitForLine("ready")) << game.output();
+    EXPECT_FALSE(lockIsFree(programDirectory() / L"cache")) << "the running game holds its cache";
+    ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
+    ASSERT_TRUE(game.waitForEnd(kEnd)) << "still running after five seconds";
+    EXPECT_EQ(game.exitCode(), 7u) << game.output();
+    EXPECT_TRUE(noEngineProcessLeft(programDirectory()));
+    EXPECT_TRUE(lockIsFree(programDirectory() / L"cache"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, WaysOut,
+                         ::testing::Values(L"return", L"static", L"exit", L"exitprocess", L"exitprocess-thread",
+                                           L"freelibrary", L"terminate", L"drop"),
+                         [](const auto& info) {
+                             std::string name;
+                             for (const wchar_t* c = info.param; *c; ++c) name += *c == L'-' ? '_' : static_cast<char>(*c);
+                             return name;
+                         });
+
+TEST(WholeProcess, FreeLibraryWhileTheEngineRuns_LibraryStaysMapped) {
+    HelperGame game(libraryFile(), L"freelibrary", programDirectory());
+    ASSERT_TRUE(game.waitForLine("ready")) << game.output();
+    EXPECT_TRUE(game.waitForLine("still mapped")) << game.output();
+    EXPECT_TRUE(game.waitForEnd(kEnd));
+}
+
+TEST(WholeProcess, FolderWithBlankAndKoreanLetters_AnyWorkingDirectory_PageIsShown) {
+    const fs::path folder = copyOfLibraryFolder(L"게임 폴더 1");
+    {
+        HelperGame game(folder / L"ZEMOUIFramework.dll", L"return", fs::temp_directory_path());
+        EXPECT_TRUE(game.waitForLine("ready")) << game.output();
+        EXPECT_TRUE(fs::exists(folder / L"cache")) << "the cache lies beside the library";
+        EXPECT_TRUE(game.waitForEnd(kEnd));
+        EXPECT_EQ(game.exitCode(), 7u);
+    }
+    EXPECT_TRUE(noEngineProcessLeft(folder));
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+}
+
+TEST(WholeProcess, TwoSideBySide_TwoCachesAndAKilledOnesLockIsFreeForTheNext) {
+    const fs::path base = programDirectory();
+    HelperGame first(libraryFile(), L"wait", base);
+    ASSERT_TRUE(first.waitForLine("ready")) << first.output();
+    const fs::path stale = base / L"cache99999999";  // of a process that never was
+    fs::create_directories(stale);
+    {
+        HelperGame second(libraryFile(), L"wait", base);
+        ASSERT_TRUE(second.waitForLine("ready")) << second.output();
+        const fs::path own = base / (L"cache" + std::to_wstring(second.processId()));
+        EXPECT_TRUE(fs::exists(own / L"cef.lock"));
+        EXPECT_FALSE(lockIsFree(base / L"cache"));
+        EXPECT_FALSE(lockIsFree(own));
+        EXPECT_FALSE(fs::exists(stale)) << "the second start removes the cache of a dead process";
+    }
+    first.kill();
+    EXPECT_TRUE(noEngineProcessLeft(base));
+    EXPECT_TRUE(lockIsFree(base / L"cache")) << "a killed game can't leave its lock";
+    HelperGame third(libraryFile(), L"return", base);
+    EXPECT_TRUE(third.waitForLine("ready")) << third.output();
+    for (const auto& entry : fs::directory_iterator(base)) {
+        const std::wstring name = entry.path().filename().wstring();
+        EXPECT_FALSE(name.starts_with(L"cache") && name.size() > 5) << "a stale cache stayed: " << entry.path();
+    }
+    EXPECT_TRUE(third.waitForEnd(kEnd));
+}
+
+}  // namespace ZEMO::Test

@@ -1,0 +1,143 @@
+// A small game for tests of whole processes: it loads the library by the path it is given, as a game's launcher would,
+// opens a view on a page of one colour, says "ready", and leaves in the way it is told.
+//   zemo_engine_helper.exe LIBRARY WAY
+//   zemo_engine_helper.exe --record FILE TEXT
+// WAY: return, static, exit, exitprocess, exitprocess-thread, freelibrary, terminate, wait (until killed), drop
+#include <windows.h>
+
+#include <zemo/ui.h>
+
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace {
+
+constexpr int kExitCode = 7;
+constexpr int kFailed = 3;
+constexpr uint32_t kColor = 0xFF204060u;
+
+std::atomic<bool> seen{false};
+std::atomic<int> frameWidth{0};
+
+template <class Function>
+Function* find(HMODULE library, const char* name) {
+    const auto address = reinterpret_cast<void*>(GetProcAddress(library, name));
+    if (!address) {
+        std::printf("no export %s\n", name);
+        std::exit(kFailed);
+    }
+    return reinterpret_cast<Function*>(address);
+}
+
+void say(const char* word) {
+    std::printf("%s\n", word);
+    std::fflush(stdout);
+}
+
+// The library's log goes to the debugger; here each line also goes to the test that started this program.
+LONG CALLBACK printLog(EXCEPTION_POINTERS* info) {
+    constexpr DWORD kNarrowLine = 0x40010006;
+    constexpr DWORD kWideLine = 0x4001000A;
+    const EXCEPTION_RECORD& record = *info->ExceptionRecord;
+    if (record.ExceptionCode == kNarrowLine) {
+        std::printf("log: %s\n", reinterpret_cast<const char*>(record.ExceptionInformation[1]));
+    } else if (record.ExceptionCode == kWideLine) {
+        std::printf("log: %ls\n", reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]));
+    }
+    std::fflush(stdout);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+bool pump(int milliseconds, const std::atomic<bool>* until) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    while (!until || !*until) {
+        if (GetTickCount64() >= end) return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+    }
+    return true;
+}
+
+std::shared_ptr<ZEMO::UI::IZEMOWebView>& staticView() {
+    static std::shared_ptr<ZEMO::UI::IZEMOWebView> view;  // destroyed by exit, with the engine still running
+    return view;
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc < 3) return kFailed;
+    if (argc == 4 && std::wstring(argv[1]) == L"--record") {  // stands in for a program that the shell starts
+        std::ofstream(std::filesystem::path(argv[2])) << std::filesystem::path(argv[3]).string();
+        return 0;
+    }
+    const std::wstring way = argv[2];
+    AddVectoredExceptionHandler(1, &printLog);
+    const HMODULE library = LoadLibraryW(argv[1]);
+    if (!library) {
+        std::printf("not loaded: %lu\n", GetLastError());
+        return kFailed;
+    }
+    const HWND window = CreateWindowExW(0, L"STATIC", L"helper", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 60, 400, 300,
+                                        nullptr, nullptr, nullptr, nullptr);
+    find<void(int)>(library, "_ZN4ZEMO2UI27setUIEngineOsrRenderEnabledEi")(1);
+    find<void()>(library, "_ZN4ZEMO2UI13InitUILibraryEv")();
+    say("started");
+    find<void(ZEMO::UI::OsrFramePresentCallback)>(
+        library, "_ZN4ZEMO2UI28setUIOsrFramePresentCallbackESt8functionIFvPKviiiiiiEE")(
+        [](const void* pixels, int width, int height, int, int, int, int) {
+            if (!pixels || width < 2 || height < 2) return;
+            frameWidth = width;
+            if (static_cast<const uint32_t*>(pixels)[width + 1] == kColor) seen = true;
+        });
+    auto view = find<std::shared_ptr<ZEMO::UI::IZEMOWebView>()>(library, "_ZN4ZEMO2UI20createWebViewDefaultEv")();
+    view->loadHtml("<!doctype html><style>html,body{margin:0;background:#204060}</style>", "");
+    view->show();
+    if (!pump(60'000, &seen)) {
+        say("no page");
+        TerminateProcess(GetCurrentProcess(), kFailed);
+    }
+    say("ready");
+
+    if (way == L"wait") {
+        pump(120'000, nullptr);
+        return kExitCode;
+    }
+    if (way == L"drop") {
+        view.reset();
+        DestroyWindow(window);
+        say("leaving");
+        return kExitCode;
+    }
+    if (way == L"static") {
+        staticView() = std::move(view);
+        say("leaving");
+        return kExitCode;
+    }
+    // In every other way the view stays open to the end.
+    [[maybe_unused]] static auto* const keptOpen =
+        std::make_unique<std::shared_ptr<ZEMO::UI::IZEMOWebView>>(std::move(view)).release();
+    if (way == L"freelibrary") {
+        int calls = 0;
+        while (calls < 100 && FreeLibrary(library)) ++calls;
+        say(GetModuleHandleW(L"ZEMOUIFramework.dll") ? "still mapped" : "unmapped");
+        pump(300, nullptr);  // its threads go on
+        say("leaving");
+        return kExitCode;
+    }
+    say("leaving");
+    if (way == L"exit") std::exit(kExitCode);
+    if (way == L"exitprocess") ExitProcess(kExitCode);
+    if (way == L"terminate") TerminateProcess(GetCurrentProcess(), kExitCode);
+    if (way == L"exitprocess-thread") {
+        std::thread([] { ExitProcess(kExitCode); }).detach();
+        pump(60'000, nullptr);
+        return kFailed;
+    }
+    return kExitCode;  // "return"
+}
