@@ -140,8 +140,12 @@ void CefModule::runEngine() {
     for (const std::wstring& file : findMissingEngineFiles(basePath)) {
         Core::logDebugW(L"engine file is missing: %s\n", file.c_str());
     }
-    if (!engineLoaded) {
-        Core::logDebugA("cef is not loaded; no view will show a page\n");
+    const std::wstring subprocess = selectSubprocess(basePath);
+    const bool hasSubprocess = GetFileAttributesW(subprocess.c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (!hasSubprocess) Core::logDebugW(L"cef child program is missing: %s\n", subprocess.c_str());
+    if (!engineLoaded || !hasSubprocess) {
+        // An engine that can't start its child processes ends the whole game after a few tries.
+        Core::logDebugA("cef is not started; no view will show a page\n");
         signalReady();
         return;
     }
@@ -149,7 +153,7 @@ void CefModule::runEngine() {
     const std::wstring languages = buildLanguageText(localeName(LOCALE_SISO639LANGNAME),
                                                      localeName(LOCALE_SISO3166CTRYNAME));
     CefString(&settings.cache_path).FromWString(cachePath);
-    CefString(&settings.browser_subprocess_path).FromWString(selectSubprocess(basePath));
+    CefString(&settings.browser_subprocess_path).FromWString(subprocess);
     CefString(&settings.locales_dir_path).FromWString(basePath + L"\\cefsubprocess\\locales");
     CefString(&settings.locale).FromWString(languages);
     CefString(&settings.accept_language_list).FromWString(languages);

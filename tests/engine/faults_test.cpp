@@ -68,7 +68,9 @@ TEST(Faults, PageProcessKilledTwentyTimes_PageComesBackAndFailureIsReported) {
 
 TEST(Faults, ChildProgramMissing_NothingHangs) {
     const HiddenFile hidden(L"cefsubprocess\\cef.subprocess.exe");
+    DebugLogCapture log;
     GameHost game;
+    EXPECT_TRUE(log.contains("cef child program is missing: "));
     NavigationRecorder events;
     auto view = game.makeView("data:text/html,x", events);
     view->show();
