@@ -12,16 +12,17 @@
 
 // Start and stop, in order.
 //
-// Start: the caller's thread makes the module object and the engine thread and waits. The engine thread pins the library
-// and libcef in memory, chooses cache and child program, initialises the engine, signals, and stays in the engine's loop.
+// Start: the caller's thread makes the module object and the engine thread and waits. The engine thread pins the
+// library and libcef in memory, chooses cache and child program, initialises the engine, signals, and stays in the
+// engine's loop.
 //
 // Stop: a quit task ends that loop, the engine shuts down on its own thread, the thread is joined, the lock file goes.
-// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return from
-// main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
-// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their pipes
-// close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its own
-// that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread needs
-// the loader to finish. Hence the pin.
+// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return
+// from main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
+// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their
+// pipes close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its
+// own that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread
+// needs the loader to finish. Hence the pin.
 namespace ZEMO::UI {
 namespace {
 
@@ -150,8 +151,8 @@ void CefModule::runEngine() {
         return;
     }
     // The language text names no pak of its own, also as a locale: the engine then falls back to its default pak.
-    const std::wstring languages = buildLanguageText(localeName(LOCALE_SISO639LANGNAME),
-                                                     localeName(LOCALE_SISO3166CTRYNAME));
+    const std::wstring languages =
+        buildLanguageText(localeName(LOCALE_SISO639LANGNAME), localeName(LOCALE_SISO3166CTRYNAME));
     CefString(&settings.cache_path).FromWString(cachePath);
     CefString(&settings.browser_subprocess_path).FromWString(subprocess);
     CefString(&settings.locales_dir_path).FromWString(basePath + L"\\cefsubprocess\\locales");
