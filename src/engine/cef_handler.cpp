@@ -156,7 +156,8 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
             return;
         }
     }
-    created->GetHost()->CloseBrowser(true);  // the view was dropped before its browser came
+    // The view was dropped before its browser came. Not closed here: the engine is still at work on the new browser.
+    CefPostTask(TID_UI, new CloseBrowserTask(created));
 }
 
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {

@@ -78,6 +78,7 @@ bool runEngine(CefRefPtr<CefApp> app, const std::wstring& childProgram, const st
     settings.log_severity = LOGSEVERITY_DISABLE;
     CefString(&settings.browser_subprocess_path) = childProgram;
     CefString(&settings.root_cache_path) = cache;
+    CefString(&settings.locales_dir_path) = programDirectory() + L"\\cefsubprocess\\locales";
     if (!CefInitialize(CefMainArgs(GetModuleHandleW(nullptr)), settings, app, nullptr)) {
         ADD_FAILURE() << "the engine did not initialize, exit code " << CefGetExitCode();
         return false;

@@ -105,7 +105,7 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
                               KEY_ALL_ACCESS, nullptr, &key, nullptr),
               ERROR_SUCCESS);
     const std::wstring command = std::format(
-        L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"zemo_engine_helper.exe").wstring(), record.wstring());
+        L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe").wstring(), record.wstring());
     RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
                    static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(key);

@@ -45,7 +45,7 @@ HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring&
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = write;
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    const std::filesystem::path program = programDirectory() / L"zemo_engine_helper.exe";
+    const std::filesystem::path program = programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe";
     std::wstring line = std::format(L"\"{}\" \"{}\" {}", program.wstring(), library.wstring(), way);
     const BOOL started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                         workingDirectory.c_str(), &startup, &process);
