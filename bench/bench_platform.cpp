@@ -62,4 +62,3 @@ void dynamicPort(benchmark::State& state) {
 BENCHMARK(dynamicPort)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-

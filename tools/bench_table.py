@@ -146,7 +146,7 @@ def run(arguments):
             place = "Z:" + place.replace("/", "\\")
         command = ([emulator] if emulator else []) + [
             program, f"--benchmark_out={place}", "--benchmark_out_format=json", f"--benchmark_repetitions={arguments.repetitions}",
-            "--benchmark_min_time=0.05s"]
+            "--benchmark_min_time=0.05s", "--benchmark_enable_random_interleaving=true"]
         result = subprocess.run(command, stdout=subprocess.PIPE, text=True, errors="replace")
         if result.returncode:
             print(result.stdout[-3000:], file=sys.stderr)

@@ -11,7 +11,7 @@ namespace ZEMO::UI {
 
 /// Receives what the user chose, on the dialog's thread. Implemented by the game.
 class ZEMOFileSelectViewDelegate {
-   public:
+public:
     virtual void fileSelected(std::vector<std::filesystem::path> files) = 0;
     virtual void fileSelectCancelled() = 0;
     virtual ~ZEMOFileSelectViewDelegate() = default;
@@ -19,7 +19,7 @@ class ZEMOFileSelectViewDelegate {
 
 /// The system's "open file" dialog as a view. Made by createFileSelectViewDialog.
 class IZEMOFileSelectView : public IZEMOView {
-   public:
+public:
     /// Held weakly.
     virtual void setFileSelectViewDelegate(std::weak_ptr<ZEMOFileSelectViewDelegate> delegate) = 0;
     /// Extensions to filter on, without a dot. The given vector is left empty.

@@ -2,10 +2,10 @@
 
 /// The library's whole public interface.
 ///
-/// Order of use: setUIEngineOsrRenderEnabled; InitUILibrary; InitUIGraphicsHook if the game wants that road; the callback
-/// and setting exports; then views. A view copies the settings when it is first shown. Unless a line says otherwise, call
-/// these on the thread that owns the game's main window. None reports failure by value; what goes wrong is a line in the
-/// debug log (OutputDebugString). Text is UTF-8.
+/// Order of use: setUIEngineOsrRenderEnabled; InitUILibrary; InitUIGraphicsHook if the game wants that road; the
+/// callback and setting exports; then views. A view copies the settings when it is first shown. Unless a line says
+/// otherwise, call these on the thread that owns the game's main window. None reports failure by value; what goes wrong
+/// is a line in the debug log (OutputDebugString). Text is UTF-8.
 
 #include <zemo/export.h>
 #include <zemo/file_select_view.h>
@@ -24,16 +24,17 @@
 namespace ZEMO::UI {
 
 /// A finished frame: `pixels` (bytes B, G, R, A, premultiplied, rows from top to bottom, stride frameWidth times 4),
-/// `frameWidth`, `frameHeight`, then the changed rectangle `dirtyX`, `dirtyY`, `dirtyWidth`, `dirtyHeight`, all in device
-/// pixels. The rectangle may be empty. Called on the engine thread, up to 30 times a second; `pixels` is valid only
-/// during the call, and the call must not block: copy or upload and return. A null pointer with six zeros says that
-/// there is nothing to show any more.
+/// `frameWidth`, `frameHeight`, then the changed rectangle `dirtyX`, `dirtyY`, `dirtyWidth`, `dirtyHeight`, all in
+/// device pixels. The rectangle may be empty. Called on the engine thread, up to 30 times a second; `pixels` is valid
+/// only during the call, and the call must not block: copy or upload and return. A null pointer with six zeros says
+/// that there is nothing to show any more.
 using OsrFramePresentCallback = std::function<void(const void* pixels, int frameWidth, int frameHeight, int dirtyX,
                                                    int dirtyY, int dirtyWidth, int dirtyHeight)>;
 
-/// Starts the engine on a thread of the library and returns when it is ready (0.3 to 0.5 s); finds the game's main window
-/// (the process's first visible top-level window without an owner) and takes its messages first from then on. Call once,
-/// on the game's main thread, when that window is visible. Throws std::system_error when the thread can't be started.
+/// Starts the engine on a thread of the library and returns when it is ready (0.3 to 0.5 s); finds the game's main
+/// window (the process's first visible top-level window without an owner) and takes its messages first from then on.
+/// Call once, on the game's main thread, when that window is visible. Throws std::system_error when the thread can't be
+/// started.
 ZEMO_API void InitUILibrary();
 
 /// Loads ZEMOGraphicsHook.dll; views shown afterwards draw into the game's own frame. No effect when it is missing.
@@ -52,8 +53,8 @@ ZEMO_API std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog();
 /// Any thread.
 ZEMO_API std::filesystem::path getLocalHTMLResourcePath();
 
-/// Opens the address in the user's external browser, on a thread of its own; returns at once. Any thread. The callback of
-/// setUIOpenExternalBrowserCallback is asked first. Throws std::system_error when the thread can't be started.
+/// Opens the address in the user's external browser, on a thread of its own; returns at once. Any thread. The callback
+/// of setUIOpenExternalBrowserCallback is asked first. Throws std::system_error when the thread can't be started.
 ZEMO_API void openBrowser(const ZEMO::Core::IURL& url);
 
 /// The same in a private window, where that browser has one.
@@ -107,11 +108,12 @@ extern "C" {
 /// (a = 1) or lost (a = 0) the focus.
 typedef void (*ZEMOImeEventCallback)(int eventKind, int browserId, int a, int b);
 
-/// `rects`: `count` rectangles of four 32-bit integers (x, y, width, height), null for a count of 0; valid during the call.
+/// `rects`: `count` rectangles of four 32-bit integers (x, y, width, height), null for a count of 0; valid during the
+/// call.
 typedef void (*ZEMOImeCompositionBoundsCallback)(int browserId, const void* rects, uint32_t count);
 
-/// A test start-up: like InitUILibrary without the custom scheme, always with the graphics hook. Returns a negative value
-/// when the engine runs.
+/// A test start-up: like InitUILibrary without the custom scheme, always with the graphics hook. Returns a negative
+/// value when the engine runs.
 ZEMO_API int InitUILibraryTEST();
 
 /// Opens a view on a fixed public page and shows it; the one before is released.

@@ -9,7 +9,7 @@ class IZEMOView;
 /// Hears when a view is shown and closed. Implemented by the game; called on the thread that called show or close, and
 /// for a view in a window of its own also on that window's thread.
 class ZEMOViewDelegate {
-   public:
+public:
     /// `view` is valid during the call; keep the shared pointer that the factory gave, not this one.
     virtual void viewDidShow(IZEMOView* view) = 0;
     virtual void viewDidClose(IZEMOView* view) = 0;
@@ -18,7 +18,7 @@ class ZEMOViewDelegate {
 
 /// What all views share. One view is used from one thread: the game's.
 class IZEMOView {
-   public:
+public:
     /// Puts the view on the screen. The first call creates the browser and starts the stored load; a later one, also
     /// after close, only brings the same page back. Returns before anything is painted.
     /// Throws std::system_error when a thread can't be started.

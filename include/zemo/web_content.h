@@ -11,7 +11,7 @@ namespace ZEMO::UI {
 /// body, on the thread that starts a load and on the engine's IO thread; the object must stay usable for as long as the
 /// view that it was given to. The reserved operations keep the interface's order and are never called.
 class IZEMOWebContent {
-   public:
+public:
     /// A kind-3 item turns a request to exactly its address into a POST with its headers and body.
     static constexpr int kKindPost = 3;
 

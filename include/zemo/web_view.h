@@ -19,7 +19,7 @@ class IZEMOWebView;
 /// a page asked for it). None may block: the engine and all its pages wait meanwhile. Frames inside a page report too,
 /// so several starts and completions for one page are normal.
 class ZEMOWebViewDelegate {
-   public:
+public:
     virtual void navigationStarting(std::shared_ptr<IZEMOWebView> view) = 0;
     /// The engine's error number in the generic category; -600 stands for a page process that died (the page is already
     /// being loaded again then).
@@ -32,19 +32,20 @@ class ZEMOWebViewDelegate {
     virtual ~ZEMOWebViewDelegate() = default;
 };
 
-/// A web page on the screen. Made by createWebViewDefault, owned by the caller: dropping the last pointer ends the page.
+/// A web page on the screen. Made by createWebViewDefault, owned by the caller: dropping the last pointer ends the
+/// page.
 ///
 /// Used from one thread, the caller's. Before the first show the load operations only store what to load, the last call
 /// of each kind wins; from then on each loads at once, in the same browser. Between show and the first
 /// navigationStarting the browser is still being made: do not load, go back or go forward in that time. Nothing here
 /// reports an error by value: a failed load arrives as navigationFailed.
 class IZEMOWebView : public IZEMOView {
-   public:
+public:
     /// Held weakly. A view without a living delegate never gets its close button.
     virtual void setWebViewDelegate(std::shared_ptr<ZEMOWebViewDelegate> delegate) = 0;
 
-    /// A page of resources\html beside the library, by its name without ".html" ("start"), or, before the first show, an
-    /// absolute file path without ".html". UTF-8.
+    /// A page of resources\html beside the library, by its name without ".html" ("start"), or, before the first show,
+    /// an absolute file path without ".html". UTF-8.
     virtual void loadPage(std::string nameOrPath) = 0;
 
     /// The address of `content`; a POST item (kind 3) is sent as one.
@@ -70,8 +71,8 @@ class IZEMOWebView : public IZEMOView {
     /// stays. Dropped before show.
     virtual void addJavascriptCallback(std::string name, std::function<void(std::string)> callback) = 0;
 
-    /// Registers `message` for the object `name` (not before show) and returns the script that binds it; the caller runs
-    /// it with evaluateJavascript. Neither text is escaped.
+    /// Registers `message` for the object `name` (not before show) and returns the script that binds it; the caller
+    /// runs it with evaluateJavascript. Neither text is escaped.
     virtual std::string bindObject(std::string name, std::string message) = 0;
 
     virtual void goBack() = 0;

@@ -10,7 +10,7 @@ namespace ZEMO::UI {
 
 /// The "open file" dialog as a view. It stores what the caller sets; the dialog itself is not part of this build yet.
 class ZEMOFileSelectViewImpl final : public IZEMOFileSelectView {
-   public:
+public:
     void show() override {}
     void showAndWait() override {}
     void close() override {}
@@ -26,7 +26,7 @@ class ZEMOFileSelectViewImpl final : public IZEMOFileSelectView {
     }
     void setMultiSelect(bool enabled) override { multiSelect = enabled; }
 
-   private:
+private:
     std::weak_ptr<ZEMOFileSelectViewDelegate> delegate;
     bool multiSelect = false;
     std::vector<std::string> extensions = {"*"};

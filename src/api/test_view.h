@@ -11,12 +11,12 @@ namespace ZEMO::UI {
 
 /// A plain address as a content item.
 class AddressContent final : public IZEMOWebContent {
-   public:
+public:
     explicit AddressContent(const std::string& address) : url(address) {}
     const ZEMO::Core::IURL& getUrl() const override { return url; }
     int getKind() const override { return 0; }
 
-   private:
+private:
     ZEMO::Core::URL url;
 };
 

@@ -182,7 +182,8 @@ void ZEMOWebViewWindow::evaluateJavascript(std::string script, std::function<voi
     layer->evaluateJavascript(makeRequestId(), std::move(script),
                               [weakSelf, callback = std::move(callback)](std::string first, std::string second) {
                                   const auto view = weakSelf.lock();
-                                  if (view && !view->isClosed && callback) callback(std::move(first), std::move(second));
+                                  if (view && !view->isClosed && callback)
+                                      callback(std::move(first), std::move(second));
                               });
 }
 

@@ -12,16 +12,16 @@ namespace ZEMO::UI {
 
 class WebLayer;
 
-/// The object that a caller holds. It remembers what the caller wants until the first show makes the layer, and forwards
-/// from then on; in the other direction it filters the browser's navigation events and hands them to the caller's
-/// delegate.
+/// The object that a caller holds. It remembers what the caller wants until the first show makes the layer, and
+/// forwards from then on; in the other direction it filters the browser's navigation events and hands them to the
+/// caller's delegate.
 ///
 /// Threads: the operations of IZEMOWebView on the caller's thread, those of ZEMOWebViewDelegate on the engine thread.
 /// layer, pendingUrl and isOpen are written before the browser exists and only read afterwards.
 class ZEMOWebViewWindow final : public IZEMOWebView,
                                 public ZEMOWebViewDelegate,
                                 public std::enable_shared_from_this<ZEMOWebViewWindow> {
-   public:
+public:
     ZEMOWebViewWindow();
     ~ZEMOWebViewWindow() override;
 
@@ -58,7 +58,7 @@ class ZEMOWebViewWindow final : public IZEMOWebView,
     bool navigationRequested(std::shared_ptr<IZEMOWebView> view, std::string url) override;
     void closeRequested() override {}
 
-   private:
+private:
     void createLayer();
     void startFirstLoad();
     void notifyCloseRequested();

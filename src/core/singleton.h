@@ -11,7 +11,7 @@ namespace ZEMO::Core {
 /// A failure of that one step has no recovery: it ends the process.
 template <class T>
 class Singleton {
-   public:
+public:
     static T& instance() {
         static INIT_ONCE once = INIT_ONCE_STATIC_INIT;
         static std::unique_ptr<T> object;
@@ -31,7 +31,7 @@ class Singleton {
     Singleton(const Singleton&) = delete;
     Singleton& operator=(const Singleton&) = delete;
 
-   protected:
+protected:
     Singleton() = default;
     ~Singleton() = default;
 };

@@ -16,7 +16,7 @@ struct WebViewLink {
 
 /// The browser client of one web layer. Engine thread, but for the operations of its base.
 class CefAdapter : public CefHandler {
-   public:
+public:
     CefAdapter(WebViewLink delegate, HWND window, WindowStyle windowStyle, bool hasCloseButton, HMODULE hookModule,
                uint32_t hookSleepTime, OsrFramePresentCallback framePresentCallback);
 
@@ -41,7 +41,7 @@ class CefAdapter : public CefHandler {
     // CefRenderHandler
     void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> browser, TextInputMode input_mode) override;
 
-   private:
+private:
     WebViewLink delegate;
 };
 

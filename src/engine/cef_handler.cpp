@@ -19,10 +19,10 @@
 #include "render/cef_render_osr.h"
 #include "render/display_scale.h"
 
-// The end of a view, in order: no frame is taken any more; the render thread ends; the browser reference is taken out of
-// reach and a task closes that browser on the engine thread; the consumer hears that there is nothing left to show. The
-// object itself lives on through the engine's references until the browser is gone. A browser that the engine creates
-// after that point (the view was dropped right after show) is closed as it arrives.
+// The end of a view, in order: no frame is taken any more; the render thread ends; the browser reference is taken out
+// of reach and a task closes that browser on the engine thread; the consumer hears that there is nothing left to show.
+// The object itself lives on through the engine's references until the browser is gone. A browser that the engine
+// creates after that point (the view was dropped right after show) is closed as it arrives.
 namespace ZEMO::UI {
 namespace {
 
@@ -178,7 +178,8 @@ bool CefHandler::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHand
 void CefHandler::OnTextSelectionChanged(CefRefPtr<CefBrowser> source, const CefString& /*selected_text*/,
                                         const CefRange& selected_range) {
     if (const auto callback = getImeEventCallback()) {
-        callback(1, source->GetIdentifier(), static_cast<int>(selected_range.from), static_cast<int>(selected_range.to));
+        callback(1, source->GetIdentifier(), static_cast<int>(selected_range.from),
+                 static_cast<int>(selected_range.to));
     }
 }
 

@@ -16,9 +16,9 @@
 #include "core/unique_handle.h"
 #include "include/cef_client.h"
 #include "include/cef_task.h"
+#include "layers/window_events.h"
 #include "render/cef_render_impl.h"
 #include "render/osr_renderer.h"
-#include "layers/window_events.h"
 #include "zemo/ui.h"
 
 namespace ZEMO::UI {
@@ -28,9 +28,9 @@ class JavascriptProcessor;
 /// The object that the engine calls back into, one for each browser, and the way from the window side to that browser.
 ///
 /// Threads: engine callbacks come on the engine thread. The plain operations come on the thread of the layer's window,
-/// close on the thread that destroys the layer. A render thread of its own runs from construction to close; it only uses
-/// the browser and the consumers, never the object's references, since none exists yet when it starts.
-/// Lifetime: reference counted; the web layer and the engine hold it. close must have run before the last reference goes.
+/// close on the thread that destroys the layer. A render thread of its own runs from construction to close; it only
+/// uses the browser and the consumers, never the object's references, since none exists yet when it starts. Lifetime:
+/// reference counted; the web layer and the engine hold it. close must have run before the last reference goes.
 class CefHandler : public CefClient,
                    public CefRenderHandler,
                    public CefLifeSpanHandler,
@@ -39,7 +39,7 @@ class CefHandler : public CefClient,
                    public CefDisplayHandler,
                    public CefDownloadHandler,
                    public CefResourceRequestHandler {
-   public:
+public:
     CefHandler(HWND window, WindowStyle windowStyle, bool hasCloseButton, HMODULE hookModule, uint32_t hookSleepTime,
                OsrFramePresentCallback framePresentCallback);
     ~CefHandler() override;
@@ -90,8 +90,8 @@ class CefHandler : public CefClient,
     CefRefPtr<CefLoadHandler> GetLoadHandler() override { return this; }
     CefRefPtr<CefRenderHandler> GetRenderHandler() override { return this; }
     CefRefPtr<CefRequestHandler> GetRequestHandler() override { return this; }
-    bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
-                                  CefProcessId source_process, CefRefPtr<CefProcessMessage> message) override;
+    bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, CefProcessId source_process,
+                                  CefRefPtr<CefProcessMessage> message) override;
 
     // CefLifeSpanHandler
     bool OnBeforePopup(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int popup_id,
@@ -117,12 +117,12 @@ class CefHandler : public CefClient,
     void OnTextSelectionChanged(CefRefPtr<CefBrowser> browser, const CefString& selected_text,
                                 const CefRange& selected_range) override;
 
-   protected:
+protected:
     HWND viewWindow() const { return window; }
     /// Posts a message to the view's window when that lives.
     void postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const;
 
-   private:
+private:
     void ensureRenderer();
     void refreshBrowser();
     void renderThreadMain();

@@ -12,16 +12,17 @@
 
 // Start and stop, in order.
 //
-// Start: the caller's thread makes the module object and the engine thread and waits. The engine thread pins the library
-// and libcef in memory, chooses cache and child program, initialises the engine, signals, and stays in the engine's loop.
+// Start: the caller's thread makes the module object and the engine thread and waits. The engine thread pins the
+// library and libcef in memory, chooses cache and child program, initialises the engine, signals, and stays in the
+// engine's loop.
 //
 // Stop: a quit task ends that loop, the engine shuts down on its own thread, the thread is joined, the lock file goes.
-// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return from
-// main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
-// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their pipes
-// close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its own
-// that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread needs
-// the loader to finish. Hence the pin.
+// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return
+// from main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
+// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their
+// pipes close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its
+// own that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread
+// needs the loader to finish. Hence the pin.
 namespace ZEMO::UI {
 namespace {
 
@@ -140,16 +141,20 @@ void CefModule::runEngine() {
     for (const std::wstring& file : findMissingEngineFiles(basePath)) {
         Core::logDebugW(L"engine file is missing: %s\n", file.c_str());
     }
-    if (!engineLoaded) {
-        Core::logDebugA("cef is not loaded; no view will show a page\n");
+    const std::wstring subprocess = selectSubprocess(basePath);
+    const bool hasSubprocess = GetFileAttributesW(subprocess.c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (!hasSubprocess) Core::logDebugW(L"cef child program is missing: %s\n", subprocess.c_str());
+    if (!engineLoaded || !hasSubprocess) {
+        // An engine that can't start its child processes ends the whole game after a few tries.
+        Core::logDebugA("cef is not started; no view will show a page\n");
         signalReady();
         return;
     }
     // The language text names no pak of its own, also as a locale: the engine then falls back to its default pak.
-    const std::wstring languages = buildLanguageText(localeName(LOCALE_SISO639LANGNAME),
-                                                     localeName(LOCALE_SISO3166CTRYNAME));
+    const std::wstring languages =
+        buildLanguageText(localeName(LOCALE_SISO639LANGNAME), localeName(LOCALE_SISO3166CTRYNAME));
     CefString(&settings.cache_path).FromWString(cachePath);
-    CefString(&settings.browser_subprocess_path).FromWString(selectSubprocess(basePath));
+    CefString(&settings.browser_subprocess_path).FromWString(subprocess);
     CefString(&settings.locales_dir_path).FromWString(basePath + L"\\cefsubprocess\\locales");
     CefString(&settings.locale).FromWString(languages);
     CefString(&settings.accept_language_list).FromWString(languages);

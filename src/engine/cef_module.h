@@ -16,9 +16,9 @@ namespace ZEMO::UI {
 /// The engine of this process and its thread. One for the life of the process: an engine that has stopped can't start
 /// again, and while it runs the library and libcef stay mapped.
 class CefModule {
-   public:
-    /// Starts the engine thread and blocks until the engine is ready (or has failed to start: a log line says so, and no
-    /// view will show anything). Returns -1. Throws std::system_error when the thread can't be started.
+public:
+    /// Starts the engine thread and blocks until the engine is ready (or has failed to start: a log line says so, and
+    /// no view will show anything). Returns -1. Throws std::system_error when the thread can't be started.
     static int start(HINSTANCE instance);
 
     /// Ends the engine's loop, waits for its thread, gives the cache lock up. Must not be called on the engine thread.
@@ -33,14 +33,14 @@ class CefModule {
     CefModule& operator=(const CefModule&) = delete;
 
     class QuitTask : public CefTask {
-       public:
+    public:
         void Execute() override;
 
-       private:
+    private:
         IMPLEMENT_REFCOUNTING(QuitTask);
     };
 
-   private:
+private:
     explicit CefModule(HINSTANCE instance) : moduleInstance(instance) {}
     void engineThreadMain();
     void runEngine();

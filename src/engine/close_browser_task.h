@@ -9,11 +9,11 @@ namespace ZEMO::UI {
 
 /// Closes a browser by force, on the engine thread.
 class CloseBrowserTask : public CefTask {
-   public:
+public:
     explicit CloseBrowserTask(CefRefPtr<CefBrowser> browserToClose) : browser(std::move(browserToClose)) {}
     void Execute() override { browser->GetHost()->CloseBrowser(true); }
 
-   private:
+private:
     CefRefPtr<CefBrowser> browser;
     IMPLEMENT_REFCOUNTING(CloseBrowserTask);
 };

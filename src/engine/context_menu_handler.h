@@ -6,14 +6,14 @@ namespace ZEMO::UI {
 
 /// A page in a game has no context menu: the engine shows none for an empty model.
 class CefContextualMenuHandler : public CefContextMenuHandler {
-   public:
+public:
     void OnBeforeContextMenu(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                              CefRefPtr<CefContextMenuParams> params, CefRefPtr<CefMenuModel> model) override {
         (void)browser, (void)frame, (void)params;
         model->Clear();
     }
 
-   private:
+private:
     IMPLEMENT_REFCOUNTING(CefContextualMenuHandler);
 };
 

@@ -16,7 +16,8 @@ std::vector<std::wstring> findMissingEngineFiles(const std::wstring& basePath) {
     std::vector<std::wstring> missing;
     for (const wchar_t* name : kRequired) {
         const DWORD attributes = GetFileAttributesW((basePath + L"\\" + name).c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY)) missing.emplace_back(name);
+        if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY))
+            missing.emplace_back(name);
     }
     return missing;
 }

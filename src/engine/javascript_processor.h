@@ -28,7 +28,7 @@ struct Fnv1aHash {
 /// This process's half of the script bridge, one for each browser client. Requests come on the caller's thread, answers
 /// and page events on the engine thread; there is no lock, callers start loads and evaluations from one thread.
 class JavascriptProcessor {
-   public:
+public:
     using ResultCallback = std::function<void(std::string, std::string)>;
     using ResultMap = std::unordered_map<std::string, ResultCallback, Fnv1aHash>;
 
@@ -46,7 +46,7 @@ class JavascriptProcessor {
     void flushQueuedEvaluations();
     void resetPageReady() { pageReady = false; }
 
-   private:
+private:
     struct QueuedEvaluation {
         ResultCallback callback;
         std::string script;

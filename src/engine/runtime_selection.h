@@ -28,8 +28,8 @@ void releaseCacheLock(const std::wstring& cacheDirectory, HANDLE lock);
 /// std::filesystem::filesystem_error when the latter can't be made.
 std::wstring selectCacheDirectory(const std::wstring& basePath);
 
-/// The child program: the plain one when it is there, else the one of the engine's version, whether there or not. Throws
-/// std::filesystem::filesystem_error when the plain one can't be asked for.
+/// The child program: the plain one when it is there, else the one of the engine's version, whether there or not.
+/// Throws std::filesystem::filesystem_error when the plain one can't be asked for.
 std::wstring selectSubprocess(const std::wstring& basePath);
 
 /// "major.minor.patch" of libcef.dll's file version; empty when it can't be read.

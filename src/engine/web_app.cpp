@@ -7,8 +7,7 @@
 
 namespace ZEMO::UI {
 
-void WebApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/,
-                                           CefRefPtr<CefCommandLine> command_line) {
+void WebApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/, CefRefPtr<CefCommandLine> command_line) {
     command_line->AppendSwitch("no-proxy-server");
     command_line->AppendSwitch("disable-web-security");
     command_line->AppendSwitch("disable-site-isolation-trials");

@@ -9,14 +9,14 @@ inline constexpr int kCustomSchemeOptions = CEF_SCHEME_OPTION_STANDARD | CEF_SCH
 
 /// The engine's view of this process: command-line switches and the custom scheme. Engine thread.
 class WebApp : public CefApp, public CefBrowserProcessHandler {
-   public:
+public:
     void OnBeforeCommandLineProcessing(const CefString& process_type, CefRefPtr<CefCommandLine> command_line) override;
     void OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> registrar) override;
     CefRefPtr<CefResourceBundleHandler> GetResourceBundleHandler() override { return nullptr; }
     CefRefPtr<CefBrowserProcessHandler> GetBrowserProcessHandler() override { return this; }
     CefRefPtr<CefRenderProcessHandler> GetRenderProcessHandler() override { return nullptr; }
 
-   private:
+private:
     IMPLEMENT_REFCOUNTING(WebApp);
 };
 

@@ -10,7 +10,7 @@ namespace ZEMO::UI {
 /// How the layer manager and the native window reach a layer. handleMessage and the on... operations come on the thread
 /// of the layer's window; setVisible on the thread that shows, closes or destroys a view.
 class ILayer {
-   public:
+public:
     /// One message of the game's window. True means consumed: *result is the answer and the game never sees it.
     virtual bool handleMessage(LRESULT* result, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) = 0;
     /// keepHookFrame is false when the last layer goes, so that the frame drawn into the game is dropped.

@@ -13,8 +13,8 @@ namespace ZEMO::UI {
 inline bool postText(HWND window, UINT message, std::string text) {
     auto owned = std::make_unique<std::string>(std::move(text));
     if (!PostMessageW(window, message, 0, reinterpret_cast<LPARAM>(owned.get()))) return false;
-    owned.release();
-    return true;
+    owned.release();  // the receiver's now
+    return true;      // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
 }
 
 /// The receiver's end: takes over the text of a message's lParam. Empty for an lParam of 0.

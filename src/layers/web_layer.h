@@ -18,7 +18,7 @@ namespace ZEMO::UI {
 /// Threads: load operations and setVisible on the caller's thread, the window's events on the window's thread,
 /// onNavigationCompleted and handleSpecialUrl on the engine thread. The facade holds the only strong reference.
 class WebLayer final : public ZEMOWindow {
-   public:
+public:
     struct Settings {
         WebViewLink delegate;
         WindowStyle windowStyle = WindowStyle::Layer;
@@ -92,7 +92,7 @@ class WebLayer final : public ZEMOWindow {
     void onExternalScript(const std::string& payload) override;
     void onExternalText(const std::string& text) override;
 
-   private:
+private:
     void createBrowser(const std::string& address);
     void navigate(const std::string& address);
     void runInMainFrame(const std::string& script, bool withFrameUrl);

@@ -1,6 +1,7 @@
 #include "layers/web_layer.h"
 
-// What the layer's window reports, on that window's thread. Input goes to the browser and is dropped before there is one.
+// What the layer's window reports, on that window's thread. Input goes to the browser and is dropped before there is
+// one.
 namespace ZEMO::UI {
 
 bool WebLayer::hasBrowser() { return adapter && adapter->getBrowser(); }

@@ -17,7 +17,7 @@ enum class WindowStyle : int32_t {
 };
 
 class IIMEEvents {
-   public:
+public:
     virtual void onImeSetContext() = 0;
     virtual void onImeStartComposition() = 0;
     virtual void onImeComposition(LPARAM flags) = 0;
@@ -26,12 +26,12 @@ class IIMEEvents {
     virtual void onImeBoundsChanged() = 0;
     virtual bool onImeQueryCharPosition(IMECHARPOSITION* position) = 0;
 
-   protected:
+protected:
     ~IIMEEvents() = default;
 };
 
 class IInputEvents {
-   public:
+public:
     /// button: 0 left, 2 right.
     virtual void onMouseButton(int button, bool up, int x, int y) = 0;
     /// modifiers: the engine's EVENTFLAG_ bits.
@@ -41,25 +41,25 @@ class IInputEvents {
     virtual void onKey(UINT message, WPARAM wParam, LPARAM lParam) = 0;
     virtual void onPointer(UINT message, uint32_t pointerId, int x, int y) = 0;
 
-   protected:
+protected:
     ~IInputEvents() = default;
 };
 
 class IFocusEvents {
-   public:
+public:
     virtual void onActivated() = 0;
     virtual void onDeactivated() = 0;
 
-   protected:
+protected:
     ~IFocusEvents() = default;
 };
 
 class IExternalInputEvents {
-   public:
+public:
     virtual void onExternalScript(const std::string& payload) = 0;
     virtual void onExternalText(const std::string& text) = 0;
 
-   protected:
+protected:
     ~IExternalInputEvents() = default;
 };
 

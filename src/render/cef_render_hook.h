@@ -6,10 +6,10 @@
 
 namespace ZEMO::UI {
 
-/// Hands a layer's frames to the graphics hook module, which draws them into the game's own frame. Without a module it is
-/// inactive and the local renderer takes over. Drawing through the module is not part of this build yet.
+/// Hands a layer's frames to the graphics hook module, which draws them into the game's own frame. Without a module it
+/// is inactive and the local renderer takes over. Drawing through the module is not part of this build yet.
 class CefRenderHook final : public CefRenderImpl {
-   public:
+public:
     /// `hookModule` may be null. Without a module the game counts as an OpenGL game, like the local renderer.
     CefRenderHook(HMODULE hookModule, uint32_t sleepTime);
 
@@ -25,7 +25,7 @@ class CefRenderHook final : public CefRenderImpl {
     void onPopupShow(bool) override {}
     void onPopupRect(const Rect16&) override {}
 
-   private:
+private:
     HMODULE hookModule;
 };
 

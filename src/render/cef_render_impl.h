@@ -10,10 +10,10 @@ namespace ZEMO::UI {
 using PaintElementType = CefRenderHandler::PaintElementType;
 using RectList = CefRenderHandler::RectList;
 
-/// The strategy that takes a layer's frames: a callback of the game, or the graphics hook. paint and the popup calls come
-/// on the engine thread, tick and needsRepaint on the view's render thread.
+/// The strategy that takes a layer's frames: a callback of the game, or the graphics hook. paint and the popup calls
+/// come on the engine thread, tick and needsRepaint on the view's render thread.
 class CefRenderImpl {
-   public:
+public:
     virtual ~CefRenderImpl() = default;
     /// Once in each cycle of the render thread.
     virtual void tick(uint32_t openGlSleepTime) = 0;

@@ -13,7 +13,7 @@ namespace ZEMO::UI {
 /// rectangle that changed. Frames come on the engine thread, and the callback runs there; the render thread asks
 /// needsRepaint.
 class CefRenderOSR final : public CefRenderImpl {
-   public:
+public:
     using Present = FrameCompositor::Present;
 
     /// `scale`: device pixels for each logical pixel; sizes the close button.
@@ -30,7 +30,7 @@ class CefRenderOSR final : public CefRenderImpl {
     void onPopupShow(bool show) override { compositor.onPopupShow(show); }
     void onPopupRect(const Rect16& ltrb) override { compositor.onPopupRect(ltrb); }
 
-   private:
+private:
     bool hasCallback;
     FrameCompositor compositor;
     // Steady-clock nanoseconds. Read and written by engine and render thread; a stale read only costs a refresh.

@@ -54,7 +54,7 @@ void FrameCompositor::paintPopup(bool drawCloseButton, const void* buffer, int w
     popupWidth_ = width;
     popupHeight_ = height;
     popupFrame_.resize(buffer ? frameBytes(width, height) : 0);
-    if (!popupFrame_.empty()) std::memcpy(popupFrame_.data(), buffer, popupFrame_.size());
+    if (buffer && !popupFrame_.empty()) std::memcpy(popupFrame_.data(), buffer, popupFrame_.size());
 
     if (viewFrame_.empty() || !composedValid_ || composedFrame_.size() != viewFrame_.size()) return;
     copyBox(composedFrame_, viewFrame_.data(), popupBox());

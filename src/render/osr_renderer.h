@@ -7,10 +7,10 @@
 
 namespace ZEMO::UI {
 
-/// A local renderer: draws one view into a window. Frames and popup calls come on the engine thread, render on the view's
-/// render thread.
+/// A local renderer: draws one view into a window. Frames and popup calls come on the engine thread, render on the
+/// view's render thread.
 class IOsrRenderer {
-   public:
+public:
     virtual void onPaint(PaintElementType type, const RectList& dirtyRects, const void* buffer, int width,
                          int height) = 0;
     virtual void onPopupShow(CefRefPtr<CefBrowser> browser, bool show) = 0;

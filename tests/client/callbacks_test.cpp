@@ -17,11 +17,11 @@ namespace ZEMO::Test {
 namespace {
 
 class FunctionTask : public CefTask {
-   public:
+public:
     explicit FunctionTask(std::function<void()> work) : function(std::move(work)) {}
     void Execute() override { function(); }
 
-   private:
+private:
     std::function<void()> function;
     IMPLEMENT_REFCOUNTING(FunctionTask);
 };
@@ -47,7 +47,7 @@ void recordImeEvent(int kind, int, int a, int b) { imeEvents().push_back({kind, 
 
 /// A real browser on a loaded page, and messages as a page's process would send them.
 class Callbacks : public ::testing::Test {
-   protected:
+protected:
     Callbacks() : view(game, "data:text/html,x") {
         ready = game.waitFor("the page", [&] { return view.events->has("completed"); });
         view.events->forget();
@@ -68,9 +68,7 @@ class Callbacks : public ::testing::Test {
         });
         return answer;
     }
-    bool gameGot(UINT message) {
-        return std::count(game.gameMessages.begin(), game.gameMessages.end(), message) > 0;
-    }
+    bool gameGot(UINT message) { return std::count(game.gameMessages.begin(), game.gameMessages.end(), message) > 0; }
 
     GameHost game;
     ClientView view;
@@ -229,8 +227,9 @@ TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
     ASSERT_TRUE(view.adapter->GetScreenInfo(browser, info));
     EXPECT_FLOAT_EQ(info.device_scale_factor, 1.0f);
     EXPECT_EQ(CefRect(info.rect.x, info.rect.y, info.rect.width, info.rect.height), CefRect(0, 0, 320, 200));
-    EXPECT_EQ(CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width,
-                      info.available_rect.height), CefRect(0, 0, 320, 200));
+    EXPECT_EQ(
+        CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width, info.available_rect.height),
+        CefRect(0, 0, 320, 200));
     EXPECT_EQ(info.depth, 99) << "the other fields stay as they came";
 }
 

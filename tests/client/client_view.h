@@ -9,7 +9,7 @@ namespace ZEMO::Test {
 /// A browser client on the game's window with a real browser behind it, held by the test itself, so that the test can
 /// send input and drive callbacks that no export reaches.
 class ClientView {
-   public:
+public:
     struct Options {
         ZEMO::UI::WindowStyle style = ZEMO::UI::WindowStyle::Layer;
         bool closeButton = false;

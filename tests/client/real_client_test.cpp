@@ -36,9 +36,10 @@ HCURSOR classCursor(HWND window) { return reinterpret_cast<HCURSOR>(GetClassLong
 
 TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses) {
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><style>html,body{margin:0;background:#fff}select{position:absolute;left:20px;"
-                          "top:10px;width:120px;height:24px}option{background:#00ff00;color:#00ff00}</style><select>"
-                          "<option>a<option>b<option>c<option>d</select>");
+    server.serveHtml("/",
+                     "<!doctype html><style>html,body{margin:0;background:#fff}select{position:absolute;left:20px;"
+                     "top:10px;width:120px;height:24px}option{background:#00ff00;color:#00ff00}</style><select>"
+                     "<option>a<option>b<option>c<option>d</select>");
     GameHost game;
     ClientView view(game, server.url("/"));
     ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(300, 190) == 0xFFFFFFFFu; }));
@@ -58,8 +59,9 @@ TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses) {
 
 TEST(RealClient, CursorOverALink_PostedToTheGamesWindowOnALayer) {
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
-                          "link</a>");
+    server.serveHtml("/",
+                     "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
+                     "link</a>");
     GameHost game;
     ClientView view(game, server.url("/"));
     ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
@@ -76,8 +78,9 @@ TEST(RealClient, CursorOverALink_PostedToTheGamesWindowOnALayer) {
 
 TEST(RealClient, CursorOverALink_BecomesTheClassCursorOfAnOwnWindow) {
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
-                          "link</a>");
+    server.serveHtml("/",
+                     "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
+                     "link</a>");
     GameHost game;
     const HCURSOR before = classCursor(game.window);
     {
@@ -99,7 +102,8 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
     HKEY key = nullptr;
     const std::wstring classes = L"Software\\Classes\\zemotestpopup";
     ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + L"\\shell\\open\\command").c_str(), 0, nullptr, 0,
-                              KEY_ALL_ACCESS, nullptr, &key, nullptr), ERROR_SUCCESS);
+                              KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
     const std::wstring command = std::format(
         L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"zemo_engine_helper.exe").wstring(), record.wstring());
     RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
@@ -108,8 +112,9 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
     RegSetKeyValueW(HKEY_CURRENT_USER, classes.c_str(), L"URL Protocol", REG_SZ, L"", sizeof(wchar_t));
 
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><style>body{margin:0;background:#135}a{display:block;width:200px;height:80px}"
-                          "</style><a target=_blank href='zemotestpopup:hello'>popup</a>");
+    server.serveHtml("/",
+                     "<!doctype html><style>body{margin:0;background:#135}a{display:block;width:200px;height:80px}"
+                     "</style><a target=_blank href='zemotestpopup:hello'>popup</a>");
     GameHost game;
     {
         ClientView view(game, server.url("/"));
@@ -141,7 +146,8 @@ TEST(RealClient, MaximiseInADirect3D11Game_TenSmallerSizesThenTheTrueOne) {
         view.adapter->GetViewRect(nullptr, rect);
         return std::pair(rect.width, rect.height);
     };
-    // The engine asks too while it is running, on its own thread: hide the view and let the wiggle be asked for here only.
+    // The engine asks too while it is running, on its own thread: hide the view and let the wiggle be asked for here
+    // only.
     view.adapter->setVisible(false, true);
     game.pass(300ms);
     ZEMO::UI::setRenderingMode(ZEMO::UI::RenderingMode::OpenGL);
@@ -163,7 +169,8 @@ TEST(RealClient, SecondBrowserCreated_FirstStays) {
     windowInfo.windowless_rendering_enabled = true;
     windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
     // A second real browser with the same client; it is left to the end of the process.
-    CefBrowserHost::CreateBrowser(windowInfo, view.adapter, "data:text/html,second", CefBrowserSettings(), nullptr, nullptr);
+    CefBrowserHost::CreateBrowser(windowInfo, view.adapter, "data:text/html,second", CefBrowserSettings(), nullptr,
+                                  nullptr);
     ASSERT_TRUE(game.waitFor("both loads", [&] { return view.events->count("completed") >= 2; }));
     EXPECT_EQ(view.adapter->getBrowser()->GetIdentifier(), first);
 }

@@ -42,8 +42,9 @@ void checkCloseButton(float scale) {
     EXPECT_FALSE(events.has("closeRequested")) << "there is no button before the first completed load";
     ASSERT_FALSE(events.has("completed")) << "the page was meant to take longer";
     ASSERT_TRUE(game.waitFor("completion", [&] { return events.has("completed"); }));
-    ASSERT_TRUE(game.waitFor("the icon in the frame", [&] { return game.frames.pixel(x, y) != 0xFF223344u &&
-                                                                   game.frames.pixel(9, 9) == 0xFF223344u; }));
+    ASSERT_TRUE(game.waitFor("the icon in the frame", [&] {
+        return game.frames.pixel(x, y) != 0xFF223344u && game.frames.pixel(9, 9) == 0xFF223344u;
+    }));
     realClick(game, width - static_cast<int>(62 * scale), y);
     EXPECT_FALSE(events.has("closeRequested")) << "beside the button";
     realClick(game, x, y);
@@ -76,7 +77,8 @@ TEST(CloseButtonClick, NoLiveDelegate_NoButton) {
 
 TEST(CloseButtonClick, PageAsksForTheNativeClose_ActionRuns) {
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><script>onload=()=>setTimeout(()=>{location='zemosdk://nativeclose'},800)</script>");
+    server.serveHtml(
+        "/", "<!doctype html><script>onload=()=>setTimeout(()=>{location='zemosdk://nativeclose'},800)</script>");
     GameHost game;
     NavigationRecorder events;
     auto view = game.makeView(server.url("/"), events);

@@ -22,7 +22,7 @@ DWORD pageProcess() {
 
 /// Renames a file of the library's folder for as long as it lives.
 class HiddenFile {
-   public:
+public:
     explicit HiddenFile(const wchar_t* name) : file(programDirectory() / name), hidden(file.wstring() + L".hidden") {
         fs::rename(file, hidden);
     }
@@ -31,7 +31,7 @@ class HiddenFile {
         fs::rename(hidden, file, ignored);
     }
 
-   private:
+private:
     fs::path file, hidden;
 };
 
@@ -68,7 +68,9 @@ TEST(Faults, PageProcessKilledTwentyTimes_PageComesBackAndFailureIsReported) {
 
 TEST(Faults, ChildProgramMissing_NothingHangs) {
     const HiddenFile hidden(L"cefsubprocess\\cef.subprocess.exe");
+    DebugLogCapture log;
     GameHost game;
+    EXPECT_TRUE(log.contains("cef child program is missing: "));
     NavigationRecorder events;
     auto view = game.makeView("data:text/html,x", events);
     view->show();
@@ -99,8 +101,9 @@ TEST(Faults, PagesThatDoNotExist_FailuresAreReported) {
     NavigationRecorder events;
     auto view = game.makeView("http://127.0.0.1:1/", events);  // nobody listens on port 1
     view->show();
-    EXPECT_TRUE(game.waitFor("a refused connection", [&] { return events.has("failed -102") || events.has("failed -312"); }))
-        << "ERR_CONNECTION_REFUSED or ERR_UNSAFE_PORT";
+    EXPECT_TRUE(game.waitFor("a refused connection", [&] {
+        return events.has("failed -102") || events.has("failed -312");
+    })) << "ERR_CONNECTION_REFUSED or ERR_UNSAFE_PORT";
     view->loadPage("no such page");
     EXPECT_TRUE(game.waitFor("a missing file", [&] { return events.has("failed -6"); })) << "ERR_FILE_NOT_FOUND";
     view->loadContent(addressItem(server.url("/nowhere")));

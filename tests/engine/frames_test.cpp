@@ -5,8 +5,8 @@
 #include "engine/game_host.h"
 #include "support/http_server.h"
 
-// What reaches a game's frame consumer, from real pages. Every picture is rebuilt from the reported rectangles alone and
-// compared with the frame that was handed out.
+// What reaches a game's frame consumer, from real pages. Every picture is rebuilt from the reported rectangles alone
+// and compared with the frame that was handed out.
 namespace ZEMO::Test {
 namespace {
 
@@ -79,10 +79,11 @@ TEST(Frames, ColourBlocksAt1920x1080_PixelForPixel_Scale150) { checkScaledBlocks
 TEST(Frames, OneBlockChanges_ThatRectangleIsReported) {
     HttpServer server;
     // The block changes for good half a second after loading, so that the frames of loading are over.
-    server.serveHtml("/",
-                     "<!doctype html><style>html,body{margin:0;background:#fff}div{position:absolute;left:40px;top:70px;"
-                     "width:10px;height:10px;background:#000}</style><div id=b></div><script>onload=()=>setTimeout(()=>"
-                     "{b.style.background='#f00';document.title='x'},1500)</script>");
+    server.serveHtml(
+        "/",
+        "<!doctype html><style>html,body{margin:0;background:#fff}div{position:absolute;left:40px;top:70px;"
+        "width:10px;height:10px;background:#000}</style><div id=b></div><script>onload=()=>setTimeout(()=>"
+        "{b.style.background='#f00';document.title='x'},1500)</script>");
     GameHost game;
     NavigationRecorder events;
     auto view = game.makeView(server.url("/"), events);
@@ -185,10 +186,11 @@ TEST(Frames, CloseAndShowAgain_SamePageWithoutALoad) {
 
 TEST(Frames, AnimatedPage_CloseToThirtyFramesASecond) {
     HttpServer server;
-    server.serveHtml("/",
-                     "<!doctype html><style>html,body{margin:0;background:#fff}div{position:absolute;width:20px;height:20px;"
-                     "background:#000}</style><div id=b></div><script>let x=0;(function f(){x=(x+1)%200;b.style.left=x+'px';"
-                     "requestAnimationFrame(f)})()</script>");
+    server.serveHtml(
+        "/",
+        "<!doctype html><style>html,body{margin:0;background:#fff}div{position:absolute;width:20px;height:20px;"
+        "background:#000}</style><div id=b></div><script>let x=0;(function f(){x=(x+1)%200;b.style.left=x+'px';"
+        "requestAnimationFrame(f)})()</script>");
     GameHost game;
     NavigationRecorder events;
     auto view = game.makeView(server.url("/"), events);

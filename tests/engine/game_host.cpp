@@ -29,12 +29,12 @@ struct CloseHandleDeleter {
 using OwnedHandle = std::unique_ptr<void, CloseHandleDeleter>;
 
 class AddressItem final : public ZEMO::UI::IZEMOWebContent {
-   public:
+public:
     explicit AddressItem(const std::string& address) : url(address) {}
     const ZEMO::Core::IURL& getUrl() const override { return url; }
     int getKind() const override { return 0; }
 
-   private:
+private:
     ZEMO::Core::URL url;
 };
 

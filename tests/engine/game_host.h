@@ -33,10 +33,11 @@ struct Frame {
     bool wholeFrame() const { return dirty == FrameRect{0, 0, width, height}; }
 };
 
-/// Stands in for a game's frame consumer: copies changed rectangles into its own picture as a game would, keeps the list
-/// of calls, wakes the waiter. `replayMatches` says whether that picture still equals the frame that was handed out.
+/// Stands in for a game's frame consumer: copies changed rectangles into its own picture as a game would, keeps the
+/// list of calls, wakes the waiter. `replayMatches` says whether that picture still equals the frame that was handed
+/// out.
 class FrameRecorder {
-   public:
+public:
     ZEMO::UI::OsrFramePresentCallback callback();
 
     std::vector<Frame> frames() const;
@@ -49,7 +50,7 @@ class FrameRecorder {
     void forgetFrames();
     bool savePng(const std::string& path) const;
 
-   private:
+private:
     void take(const void* pixels, int width, int height, FrameRect dirty);
     mutable std::mutex mutex;
     std::vector<Frame> calls;
@@ -61,7 +62,7 @@ class FrameRecorder {
 /// Records a view's navigation events, in order, as text: "starting", "failed -105", "completed", "requested URL",
 /// "closeRequested".
 class NavigationRecorder : public ZEMO::UI::ZEMOWebViewDelegate {
-   public:
+public:
     void navigationStarting(std::shared_ptr<ZEMO::UI::IZEMOWebView> view) override;
     void navigationFailed(std::shared_ptr<ZEMO::UI::IZEMOWebView> view, const std::error_code& error) override;
     void navigationCompleted(std::shared_ptr<ZEMO::UI::IZEMOWebView> view) override;
@@ -75,7 +76,7 @@ class NavigationRecorder : public ZEMO::UI::ZEMOWebViewDelegate {
     /// Decides navigationRequested; unset lets everything pass.
     std::function<bool(const std::string&)> decide;
 
-   private:
+private:
     void add(std::string event);
     mutable std::mutex mutex;
     std::vector<std::string> list;
@@ -87,7 +88,7 @@ std::shared_ptr<ZEMO::UI::IZEMOWebContent> addressItem(const std::string& addres
 /// A game's side of the library: a visible main window on this thread, the started library, and waits that keep the
 /// window's messages going. One for each test process. Destroys its window last.
 class GameHost {
-   public:
+public:
     struct Options {
         int clientWidth = 320, clientHeight = 200;
         bool mainWindow = true;
@@ -113,7 +114,7 @@ class GameHost {
     /// Messages that reached the game's own window procedure.
     std::vector<UINT> gameMessages;
 
-   private:
+private:
     static LRESULT CALLBACK windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>> delegates;
 };

@@ -21,7 +21,7 @@ std::vector<DWORD> processesBelow(const std::filesystem::path& directory);
 /// A game in a process of its own (see engine_helper), with the lines that it printed. Killed, if still running, by the
 /// destructor.
 class HelperGame {
-   public:
+public:
     /// `library`: full path of the library file to load. `workingDirectory`: the process's current directory.
     HelperGame(const std::filesystem::path& library, const std::wstring& way,
                const std::filesystem::path& workingDirectory);
@@ -36,7 +36,7 @@ class HelperGame {
     void kill();
     std::string output() const;
 
-   private:
+private:
     void readLines();
     PROCESS_INFORMATION process{};
     HANDLE pipe = nullptr;

@@ -32,7 +32,7 @@ Usage usage() {
 }
 
 class ShownRecorder : public ZEMO::UI::ZEMOViewDelegate {
-   public:
+public:
     void viewDidShow(ZEMO::UI::IZEMOView*) override { ++shown; }
     void viewDidClose(ZEMO::UI::IZEMOView*) override { ++closed; }
     int shown = 0, closed = 0;
@@ -193,12 +193,15 @@ TEST(ViewLife, OpenViewLoadsAgain_EachRoadNavigatesTheSameBrowser) {
 
 TEST(ViewLife, ReservedAddresses_NeverReachDelegateOrNetwork) {
     HttpServer server;
-    server.serveHtml("/", "<!doctype html><style>html{background:#204020}</style><script>onload=()=>setTimeout(()=>{"
-                          "location='zemosdk://gamepadinit?use=TRUE'},200)</script>");
-    server.serveHtml("/use", "<!doctype html><script>onload=()=>setTimeout(()=>{location='ZEMOSDK://GamePadInit?use=true'"
-                             "},200)</script>");
-    server.serveHtml("/other", "<!doctype html><script>onload=()=>setTimeout(()=>{location='zemosdk://anything'},200)"
-                               "</script>");
+    server.serveHtml("/",
+                     "<!doctype html><style>html{background:#204020}</style><script>onload=()=>setTimeout(()=>{"
+                     "location='zemosdk://gamepadinit?use=TRUE'},200)</script>");
+    server.serveHtml("/use",
+                     "<!doctype html><script>onload=()=>setTimeout(()=>{location='ZEMOSDK://GamePadInit?use=true'"
+                     "},200)</script>");
+    server.serveHtml("/other",
+                     "<!doctype html><script>onload=()=>setTimeout(()=>{location='zemosdk://anything'},200)"
+                     "</script>");
     GameHost game;
     std::atomic<int> used{-1};
     ZEMO::UI::setUIGameControllerScriptUseCallback([&](int value) { used = value; });

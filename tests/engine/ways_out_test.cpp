@@ -33,8 +33,8 @@ fs::path copyOfLibraryFolder(const wchar_t* name) {
 }
 
 bool lockIsFree(const fs::path& cache) {
-    const HANDLE lock = CreateFileW((cache / L"cef.lock").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE lock = CreateFileW((cache / L"cef.lock").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (lock == INVALID_HANDLE_VALUE) return false;
     CloseHandle(lock);
     return true;
@@ -71,7 +71,8 @@ INSTANTIATE_TEST_SUITE_P(Each, WaysOut,
                                            L"freelibrary", L"terminate", L"drop"),
                          [](const auto& info) {
                              std::string name;
-                             for (const wchar_t* c = info.param; *c; ++c) name += *c == L'-' ? '_' : static_cast<char>(*c);
+                             for (const wchar_t* c = info.param; *c; ++c)
+                                 name += *c == L'-' ? '_' : static_cast<char>(*c);
                              return name;
                          });
 

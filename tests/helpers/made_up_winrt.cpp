@@ -18,6 +18,7 @@ enum DayOfWeek : int;
 //   MADE_UP_FACTORY_HR, MADE_UP_AD_HR, MADE_UP_COUNTRY_HR, MADE_UP_LANGUAGE_HR   failing codes in hexadecimal
 //   MADE_UP_AD, MADE_UP_COUNTRY, MADE_UP_LANGUAGES (between commas)              answers
 //   MADE_UP_TOLD                                                                 what a failing AdvertisingId tells
+//   MADE_UP_TOLD_HR                                                              the code that it tells of, if another
 //   MADE_UP_ACTIVATIONS                                                          counts the factories asked for
 //   MADE_UP_BOUND                                                                set: factories are not agile
 MIDL_INTERFACE("82BA7092-4C88-427D-A7BC-16DD93FEB67E")
@@ -122,7 +123,7 @@ private:
         HRESULT STDMETHODCALLTYPE GetErrorDetails(BSTR* description, HRESULT* error, BSTR* restricted,
                                                   BSTR* capability) override {
             *description = SysAllocString(L"general");
-            *error = failure(L"MADE_UP_AD_HR");
+            *error = setting(L"MADE_UP_TOLD_HR").empty() ? failure(L"MADE_UP_AD_HR") : failure(L"MADE_UP_TOLD_HR");
             *restricted = SysAllocString((setting(L"MADE_UP_TOLD") + L" \r\n").c_str());
             *capability = nullptr;
             return S_OK;

@@ -55,7 +55,7 @@ std::string toUtf8(const std::wstring& text) {
 StandInBrowserStage::StandInBrowserStage() {
     machine_ = CreateMutexW(nullptr, FALSE, L"Local\\ZEMO stand-in browsers");
     require(machine_, "no mutex");
-    const DWORD waited = WaitForSingleObject(machine_, kWaitMs);
+    const DWORD waited = WaitForSingleObject(machine_, 100000);
     require(waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED, "another stage did not end");
 
     const std::wstring id = std::to_wstring(GetCurrentProcessId());
@@ -85,8 +85,12 @@ StandInBrowserStage::~StandInBrowserStage() {
     RegDeleteTreeW(HKEY_CURRENT_USER, keyPath_.c_str());
     SetEnvironmentVariableW(L"ZEMO_STAND_IN_RECORDS", nullptr);
     SetEnvironmentVariableW(L"ZEMO_STAND_IN_SEMAPHORE", nullptr);
-    std::error_code ignored;
-    fs::remove_all(directory_, ignored);
+    // a program that has just ended may hold its file for a moment
+    std::error_code error;
+    for (int i = 0; i < 250 && fs::exists(directory_, error); ++i) {
+        fs::remove_all(directory_, error);
+        if (error) Sleep(20);
+    }
     CloseHandle(semaphore_);
     ReleaseMutex(machine_);
     CloseHandle(machine_);

@@ -43,7 +43,8 @@ HttpServer::Request parse(const std::string& head) {
         const size_t colon = line.find(':');
         if (colon == std::string::npos) continue;
         std::string name = line.substr(0, colon);
-        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
         const size_t value = line.find_first_not_of(' ', colon + 1);
         request.headers[name] = value == std::string::npos ? "" : line.substr(value);
     }
@@ -130,10 +131,10 @@ void HttpServer::serveClient(SOCKET client) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         const size_t promised = response.body.size() + (response.neverEnds ? 1'000'000 : 0);
-        sendAll(client, std::format("HTTP/1.1 {} X\r\nContent-Type: {}\r\nContent-Length: {}\r\nConnection: close\r\n"
-                                    "Cache-Control: no-store\r\n{}\r\n{}",
-                                    response.status, response.contentType, promised, response.extraHeaders,
-                                    response.body));
+        sendAll(client,
+                std::format("HTTP/1.1 {} X\r\nContent-Type: {}\r\nContent-Length: {}\r\nConnection: close\r\n"
+                            "Cache-Control: no-store\r\n{}\r\n{}",
+                            response.status, response.contentType, promised, response.extraHeaders, response.body));
         while (response.neverEnds && running) std::this_thread::sleep_for(std::chrono::milliseconds(20));
         break;
     }

@@ -15,7 +15,7 @@ namespace ZEMO::Test {
 /// A small HTTP server on 127.0.0.1 that a test owns: it serves what the test registers, on a port of the system's
 /// choice, and records every request as the engine sent it.
 class HttpServer {
-   public:
+public:
     struct Request {
         std::string method;
         std::string target;                          ///< path and query as sent
@@ -45,7 +45,7 @@ class HttpServer {
     std::vector<Request> requests() const;
     size_t requestCount(const std::string& path) const;
 
-   private:
+private:
     void acceptClients();
     void serveClient(SOCKET client);
 

@@ -49,7 +49,7 @@ using enum Answer;
 using enum Way;
 
 // clang-format off
-constexpr LaunchCase kOrdinaryChrome[] = {
+constexpr LaunchCase kChromeLengths[] = {
     // the length decides, at a cold start only
     {Ordinary, L"chrome.exe", None, 40, false, NoCallback, Direct, ""},
     {Ordinary, L"chrome.exe", None, 799, false, NoCallback, Direct, ""},
@@ -65,6 +65,9 @@ constexpr LaunchCase kOrdinaryChrome[] = {
     {Ordinary, L"chrome.exe", Whale, 801, false, NoCallback, Redirect, ""},
     {Ordinary, L"chrome.exe", Whale, 802, false, NoCallback, Redirect, ""},
     {Ordinary, L"chrome.exe", Both, 801, false, NoCallback, Direct, ""},
+};
+
+constexpr LaunchCase kChromeSettings[] = {
     // the handheld is never redirected
     {Ordinary, L"chrome.exe", None, 800, true, NoCallback, Direct, ""},
     {Ordinary, L"chrome.exe", None, 801, true, NoCallback, Direct, ""},
@@ -113,7 +116,7 @@ constexpr LaunchCase kOrdinaryOthers[] = {
     {Ordinary, L"chrome2.exe", None, 801, false, NoCallback, Direct, ""},
 };
 
-constexpr LaunchCase kPrivate[] = {
+constexpr LaunchCase kPrivateSwitches[] = {
     {Private, L"firefox.exe", None, 40, false, NoCallback, PrivateSwitch, "-private-window"},
     {Private, L"waterfox.exe", None, 40, false, NoCallback, PrivateSwitch, "-private-window"},
     {Private, L"librewolf.exe", None, 40, false, NoCallback, PrivateSwitch, "-private-window"},
@@ -129,6 +132,9 @@ constexpr LaunchCase kPrivate[] = {
     {Private, L"openwith.exe", None, 40, false, NoCallback, Direct, ""},
     {Private, L"rundll32.exe", None, 40, false, NoCallback, Direct, ""},
     {Private, L"RunDll32.exe", None, 801, false, False, Direct, ""},
+};
+
+constexpr LaunchCase kPrivateSettings[] = {
     // never redirected, whatever the length
     {Private, L"chrome.exe", None, 800, false, NoCallback, PrivateSwitch, "--incognito"},
     {Private, L"chrome.exe", None, 801, false, NoCallback, PrivateSwitch, "--incognito"},
@@ -143,8 +149,8 @@ constexpr LaunchCase kPrivate[] = {
 };
 // clang-format on
 
-static_assert(std::size(kOrdinaryChrome) + std::size(kOrdinaryWhale) + std::size(kOrdinaryOthers) +
-                  std::size(kPrivate) ==
+static_assert(std::size(kChromeLengths) + std::size(kChromeSettings) + std::size(kOrdinaryWhale) +
+                  std::size(kOrdinaryOthers) + std::size(kPrivateSwitches) + std::size(kPrivateSettings) ==
               73);
 
 // Signs that the shell or a parser might trip over, then letters up to the length.
@@ -250,13 +256,17 @@ void runTable(const LaunchCase (&rows)[N]) {
     }
 }
 
-TEST(BrowserLaunch, ChromeIsDefault_LongAddressRedirectedAtColdStartOnly) { runTable(kOrdinaryChrome); }
+TEST(BrowserLaunch, ChromeIsDefault_LongAddressRedirectedAtColdStartOnly) { runTable(kChromeLengths); }
+
+TEST(BrowserLaunch, ChromeIsDefault_GameAnswerAndHandheldComeBeforeTheRedirect) { runTable(kChromeSettings); }
 
 TEST(BrowserLaunch, WhaleIsDefault_LongAddressRedirectedAtColdStartOnly) { runTable(kOrdinaryWhale); }
 
 TEST(BrowserLaunch, AnotherBrowserIsDefault_AddressGoesDirectWhateverItsLength) { runTable(kOrdinaryOthers); }
 
-TEST(BrowserLaunch, PrivateWindow_SwitchOfTheBrowserOrOrdinaryWindow) { runTable(kPrivate); }
+TEST(BrowserLaunch, PrivateWindow_SwitchOfTheBrowserOrOrdinaryWindow) { runTable(kPrivateSwitches); }
+
+TEST(BrowserLaunch, PrivateWindow_GameAnswerComesFirstAndNoLengthIsRedirected) { runTable(kPrivateSettings); }
 
 TEST(BrowserLaunch, UpperCaseScheme_LookedUpAsHttp) {
     StandInBrowserStage stage;

@@ -41,7 +41,8 @@ TEST(PageAddress, HtmlReferences_LeaveByTheSchemeBelowThePagesParent) {
     };
     const Case cases[] = {
         {"C:/x/html/p.html", "<img src=../img/a.png>", "<img src=zemosdkcustomscheme://resources/html/img/a.png>"},
-        {"C:\\x\\html\\p.html", "../a ../b", "zemosdkcustomscheme://resources/html/a zemosdkcustomscheme://resources/html/b"},
+        {"C:\\x\\html\\p.html", "../a ../b",
+         "zemosdkcustomscheme://resources/html/a zemosdkcustomscheme://resources/html/b"},
         {"html/p.html", "../a", "zemosdkcustomscheme://resources/html/a"},
         {"p.html", "../a", "zemosdkcustomscheme://resources/p.html/a"},
         {"", "../a", "zemosdkcustomscheme://resources//a"},

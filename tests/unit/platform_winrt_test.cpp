@@ -200,6 +200,15 @@ TEST_F(PlatformRuntime, GetterTellsWhy_MessageSaysIt) {
                             testing::Not(HasSubstr("fire")), "done"));
 }
 
+TEST_F(PlatformRuntime, ThreadWasToldOfAnotherFailure_MessageIsTheSystems) {
+    registerClasses();
+    const Lines lines = probe({L"set=MADE_UP_AD_HR=80070005", L"set=MADE_UP_TOLD=old news",
+                               L"set=MADE_UP_TOLD_HR=80004005", L"call=getAdvertisingId"});
+    EXPECT_THAT(lines, ElementsAre(testing::AllOf(StartsWith("getAdvertisingId raised hresult_access_denied 80070005 "),
+                                                  testing::Not(HasSubstr("old news"))),
+                                   "done"));
+}
+
 TEST_F(PlatformRuntime, RaisedOnce_LockIsFreeForTheNextCall) {
     registerClasses();
     EXPECT_THAT(probe({L"set=MADE_UP_AD_HR=80004005", L"call=getAdvertisingId", L"call=getIsLimitAdTracking",

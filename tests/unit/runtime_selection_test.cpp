@@ -13,9 +13,8 @@ namespace fs = std::filesystem;
 
 /// A directory as it stands beside the library: with a blank and Korean letters in its path.
 class RuntimeSelection : public ::testing::Test {
-   protected:
-    RuntimeSelection()
-        : base(fs::temp_directory_path() / std::format(L"zemo 런타임 {}", GetCurrentProcessId())) {
+protected:
+    RuntimeSelection() : base(fs::temp_directory_path() / std::format(L"zemo 런타임 {}", GetCurrentProcessId())) {
         fs::create_directories(base);
     }
     ~RuntimeSelection() override {
@@ -66,15 +65,14 @@ TEST_F(RuntimeSelection, CleanUp_DirectoryNames_OnlyDeadProcessesCachesGo) {
         bool removed;
     };
     const Case cases[] = {
-        {L"cache", false},        // the shared one
-        {L"cache123", true},      // of a process that is gone
-        {L"cache123abc", true},   // digits count, whatever follows
-        {L"cachefiles", false},   // no number
-        {L"CACHE124", false},     // the prefix is exact
-        {L"cache77", false},      // of a running process
-        {L"mycache125", false},   // must begin with it
-        {L"cach126", false},
-        {L"cache0", false},
+        {L"cache", false},       // the shared one
+        {L"cache123", true},     // of a process that is gone
+        {L"cache123abc", true},  // digits count, whatever follows
+        {L"cachefiles", false},  // no number
+        {L"CACHE124", false},    // the prefix is exact
+        {L"cache77", false},     // of a running process
+        {L"mycache125", false},  // must begin with it
+        {L"cach126", false},    {L"cache0", false},
     };
     for (const Case& each : cases) makeDirectory(each.name);
     makeFile(base / L"cache127");  // a file is no cache
@@ -109,7 +107,8 @@ TEST_F(RuntimeSelection, CleanUp_BaseMissing_ThrowsWithTheOperationName) {
 
 TEST_F(RuntimeSelection, CleanUp_FileInUse_ThrowsRemoveAll) {
     const fs::path cache = makeDirectory(L"cache9");
-    const HANDLE held = CreateFileW((cache / L"inner" / L"data").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE held =
+        CreateFileW((cache / L"inner" / L"data").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(held, INVALID_HANDLE_VALUE);
     try {
         cleanupStaleCaches(base.wstring(), {});

@@ -42,7 +42,8 @@ TEST(SpecialUrl, NoStatusFromTheGame_DefaultByteForByte) {
     classifySpecialUrl("zemosdk://gamepadinit", "", use, status);
     const std::string indent(24, ' ');
     EXPECT_EQ(status, "{\n" + indent + "\"isConnected\": false,\n" + indent + "\"primaryBtn\": \"0\",\n" + indent +
-                          "\"secondaryBtn\": \"1\",\n" + indent + "\"secondaryBtnText\": \"\"\n" + std::string(20, ' ') + "}");
+                          "\"secondaryBtn\": \"1\",\n" + indent + "\"secondaryBtnText\": \"\"\n" +
+                          std::string(20, ' ') + "}");
     EXPECT_EQ(status.size(), 204u);
 }
 
