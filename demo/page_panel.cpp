@@ -90,7 +90,8 @@ void PagePanel::load(const PageSource& source) {
             break;
         }
         case PageSource::Kind::html:
-            view->loadHtml(source.text, "html/");
+            // The byte order mark says that the text is UTF-8, also for a text that doesn't say so itself.
+            view->loadHtml("\xEF\xBB\xBF" + source.text, "html/");
             break;
         case PageSource::Kind::address:
             // Before the first show, with an item in the list, loadUrl takes the text as it is; an empty list would
