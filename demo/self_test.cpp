@@ -72,8 +72,6 @@ public:
             step("resized window gets a whole frame of its size", [this] { resize(); });
             step("second view covers the first and leaves it unharmed", [this] { secondView(); });
             step("closed page is gone, shown page is back", [this] { closeAndShow(); });
-            step("script reaches the page", [this] { script(); });
-            step("click reaches the page", [this] { click(); });
             step("page loads another text", [this] { reload(); });
             step("dropped view hides the page", [this] { drop(); });
         } else {
@@ -221,23 +219,6 @@ private:
             expectDrawn("the blinking block after a partial upload", kBlink, onPage(kBlink), 0);
             expectDrawn("the red block after a partial upload", kRed, kRed.colour, 0);
         }
-    }
-
-    void script() {
-        game.topPage()->run("setSwitch(true)");
-        awaitPage("the switching block", kSwitch.x, kSwitch.y, kSwitched);
-        game.topPage()->run("setSwitch(false)");
-        awaitPage(kSwitch);
-    }
-
-    void click() {
-        HWND window = game.gameWindow().handle();
-        const LPARAM at = MAKELPARAM(px(kSwitch.x), px(kSwitch.y));
-        // The first move after the cursor came in is the window's own; the second is the page's.
-        for (int i = 0; i < 2; ++i) PostMessageW(window, WM_MOUSEMOVE, 0, at);
-        PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, at);
-        PostMessageW(window, WM_LBUTTONUP, 0, at);
-        awaitPage("the clicked block", kSwitch.x, kSwitch.y, kSwitched);
     }
 
     void resize() {

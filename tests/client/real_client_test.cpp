@@ -104,8 +104,9 @@ TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
     ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + L"\\shell\\open\\command").c_str(), 0, nullptr, 0,
                               KEY_ALL_ACCESS, nullptr, &key, nullptr),
               ERROR_SUCCESS);
-    const std::wstring command = std::format(
-        L"\"{}\" --record \"{}\" \"%1\"", (programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe").wstring(), record.wstring());
+    const std::wstring command =
+        std::format(L"\"{}\" --record \"{}\" \"%1\"",
+                    (programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe").wstring(), record.wstring());
     RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
                    static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(key);
