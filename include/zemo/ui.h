@@ -9,6 +9,8 @@
 
 #include <zemo/export.h>
 #include <zemo/file_select_view.h>
+#include <zemo/json_containers.h>
+#include <zemo/platform.h>
 #include <zemo/string_util.h>
 #include <zemo/url.h>
 #include <zemo/view.h>

@@ -56,8 +56,9 @@ public:
     virtual void loadHtml(std::string_view html, std::string_view path) = 0;
 
     /// A web address ("http://", "https://", in any letter case) or the name of a local page, with the items that turn
-    /// requests of the page into POSTs. Only the load of the first show takes a web address: on an open view `url` is
-    /// always the name of a local page, and web addresses go through loadContent.
+    /// requests of the page into POSTs. Only the load of the first show takes a web address, and only with at least one
+    /// item: without items, and on an open view, `url` is the name of a local page. Web addresses go best through
+    /// loadContent.
     virtual void loadUrl(std::string url, std::vector<std::shared_ptr<IZEMOWebContent>> items) = 0;
 
     /// No effect.

@@ -451,6 +451,9 @@ TEST_F(ZemoWindowLayer, FirstEraseWithACustomCursor_PostsSetCursorOnce) {
     layer->setCustomCursor(LoadCursorW(nullptr, IDC_UPARROW));
     EXPECT_EQ(postedByErase(), 0);  // the first one is over
 
+    drop();
+    // The end of a layer invalidates the window: that erase must be over before the next layer looks for its first one.
+    game().onThread([&] { RedrawWindow(window(), nullptr, nullptr, RDW_ERASENOW | RDW_UPDATENOW); });
     make();
     layer->setCustomCursor(LoadCursorW(nullptr, IDC_UPARROW));
     EXPECT_EQ(postedByErase(), 1);
