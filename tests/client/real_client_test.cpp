@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <format>
-#include <fstream>
 
 #include "cef/engine_library.h"
 #include "client/client_view.h"
 #include "engine/cef_module.h"
-#include "engine/helper_game.h"
 #include "render/rendering_mode.h"
 #include "support/http_server.h"
 
@@ -93,48 +91,6 @@ TEST(RealClient, CursorOverALink_BecomesTheClassCursorOfAnOwnWindow) {
         }));
     }
     SetClassLongPtrW(game.window, GCLP_HCURSOR, reinterpret_cast<LONG_PTR>(before));
-}
-
-TEST(RealClient, ClickedBlankTarget_NoPopupBrowserAndTheShellGetsTheAddress) {
-    // The test's own handler of its own scheme, in the test's own registry, records what the shell was told.
-    const std::filesystem::path record = programDirectory() / L"popup.txt";
-    std::filesystem::remove(record);
-    HKEY key = nullptr;
-    const std::wstring classes = L"Software\\Classes\\zemotestpopup";
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + L"\\shell\\open\\command").c_str(), 0, nullptr, 0,
-                              KEY_ALL_ACCESS, nullptr, &key, nullptr),
-              ERROR_SUCCESS);
-    const std::wstring command =
-        std::format(L"\"{}\" --record \"{}\" \"%1\"",
-                    (programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe").wstring(), record.wstring());
-    RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
-                   static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
-    RegCloseKey(key);
-    RegSetKeyValueW(HKEY_CURRENT_USER, classes.c_str(), L"URL Protocol", REG_SZ, L"", sizeof(wchar_t));
-
-    HttpServer server;
-    server.serveHtml("/",
-                     "<!doctype html><style>body{margin:0;background:#135}a{display:block;width:200px;height:80px}"
-                     "</style><a target=_blank href='zemotestpopup:hello'>popup</a>");
-    GameHost game;
-    {
-        ClientView view(game, server.url("/"));
-        ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
-        const size_t children = childProcesses().size();
-        view.click(50, 40);
-        EXPECT_TRUE(game.waitFor("the shell's handler", [&] { return std::filesystem::exists(record); }));
-        game.pass(300ms);
-        EXPECT_LE(childProcesses().size(), children + 1) << "no popup browser (the handler itself may still run)";
-        game.frames.forgetFrames();
-        EXPECT_TRUE(game.waitFor("the page going on", [&] { return game.frames.frameCount() > 3; }));
-    }
-    std::string said;
-    std::ifstream stream(record);
-    std::getline(stream, said);
-    stream.close();
-    EXPECT_EQ(said, "zemotestpopup:hello");
-    RegDeleteTreeW(HKEY_CURRENT_USER, classes.c_str());
-    std::filesystem::remove(record);
 }
 
 TEST(RealClient, MaximiseInADirect3D11Game_TenSmallerSizesThenTheTrueOne) {

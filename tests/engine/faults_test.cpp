@@ -160,9 +160,10 @@ TEST(Faults, EngineDataMissing_LogNamesTheFileBeforeTheEngineDies) {
     // The engine ends its process for a missing file, so a process of its own meets it.
     const HiddenFile hidden(L"icudtl.dat");
     HelperGame game(programDirectory() / L"ZEMOUIFramework.dll", L"return", programDirectory());
-    EXPECT_TRUE(game.waitForEnd(60s)) << "neither started nor ended: " << game.output();
-    EXPECT_NE(game.exitCode(), 7u);
-    EXPECT_NE(game.output().find("log: engine file is missing: icudtl.dat"), std::string::npos) << game.output();
+    // The library writes a second line end of its own; under Wine the dying process then waits for a debugger and is
+    // killed.
+    EXPECT_TRUE(game.waitForLine("log: engine file is missing: icudtl.dat", 30s)) << game.output();
+    EXPECT_FALSE(game.waitForLine("started", 3s)) << game.output();
 }
 
 TEST(Faults, EngineLibraryMissing_LibraryStartsWithoutPagesAndSaysWhy) {
