@@ -42,6 +42,7 @@ void Samples::add(double value) {
 double Samples::percentile(double share) const {
     if (values.empty()) return 0;
     auto sorted = values;
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): a rank, never negative
     const auto index = static_cast<std::size_t>(share * static_cast<double>(sorted.size() - 1) + 0.5);
     std::nth_element(sorted.begin(), sorted.begin() + static_cast<std::ptrdiff_t>(index), sorted.end());
     return sorted[index];

@@ -106,6 +106,7 @@ void TextLabel::draw(float x, float y, float red, float green, float blue, float
 
 void Hud::draw(int width, int height, float scale, const Content& content) {
     const auto w = static_cast<float>(width), h = static_cast<float>(height);
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): a pixel size, never negative
     const auto px = [scale](float size) { return static_cast<int>(size * scale + 0.5f); };
     title.set(content.title, px(20), true);
     status.set(content.status, px(14), false);
