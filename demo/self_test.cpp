@@ -14,19 +14,22 @@ namespace {
 
 constexpr double kPatience = 20;  // seconds; a first paint takes one or two, more on a busy machine
 
-/// What pages/self_test.html shows, in logical pixels of its window.
+/// What pages/self_test.html shows, in logical pixels of its window; small enough for a window of 320 x 200 at twice
+/// the scale.
 struct Block {
     const char* name;
     double x, y;  // the middle
     Colour colour;
 };
-constexpr Block kRed{"red block", 90, 70, {224, 48, 48, 255}};
-constexpr Block kGreen{"green block", 210, 70, {48, 192, 80, 255}};
-constexpr Block kHalfBlue{"half transparent block", 330, 70, {0, 0, 128, 128}};
-constexpr Block kSwitch{"switching block", 90, 170, {32, 96, 224, 255}};
-constexpr Block kBlink{"blinking block", 210, 170, {}};
+constexpr Block kRed{"red block", 28, 20, {224, 48, 48, 255}};
+constexpr Block kGreen{"green block", 76, 20, {48, 192, 80, 255}};
+constexpr Block kHalfBlue{"half transparent block", 124, 20, {0, 0, 128, 128}};
+constexpr Block kSwitch{"switching block", 28, 52, {32, 96, 224, 255}};
+constexpr Block kBlink{"blinking block", 76, 52, {}};
 constexpr Colour kSwitched{240, 160, 32, 255};
-constexpr Colour kCorner{200, 200, 40, 255};  // 80 x 60, glued to the lower right corner
+constexpr Block kClear{"transparent part", 124, 52, {}};
+constexpr double kBlockWidth = 40, kBlockHeight = 24;
+constexpr Colour kCorner{200, 200, 40, 255};  // a block, glued to the lower right corner
 constexpr Colour kSecondPage{112, 32, 144, 255};
 constexpr Colour kReloaded{32, 144, 144, 255};
 constexpr Colour kNothing{0, 0, 0, 0};
@@ -145,7 +148,7 @@ private:
 
     void callbackFrame() {
         for (const Block& block : {kRed, kGreen, kHalfBlue, kSwitch}) awaitPage(block);
-        awaitPage("the page's transparent part", 500, 300, kNothing);
+        awaitPage("the page's transparent part", kClear.x, kClear.y, kNothing);
         awaitFrameSize();
         awaitCorner();
     }
@@ -161,14 +164,14 @@ private:
 
     void awaitCorner() {
         const PixelSize size = game.gameWindow().clientSize();
-        awaitPage("the corner block", (size.width - 0.5 * 80 * scale) / scale, (size.height - 0.5 * 60 * scale) / scale,
+        awaitPage("the corner block", size.width / scale - kBlockWidth / 2, size.height / scale - kBlockHeight / 2,
                   kCorner);
     }
 
     void gameFrame() {
         readNextFrame();
         for (const Block& block : {kRed, kGreen, kSwitch}) expectDrawn(block.name, block, block.colour, 0);
-        expectDrawn("the scene beside the blocks", {"", 500, 300, {}}, under.at(px(500), px(300)), 0);
+        expectDrawn("the scene beside the blocks", kClear, under.at(px(kClear.x), px(kClear.y)), 0);
         // Premultiplied blending: the page's colour plus what lies under it, dimmed by the page's alpha.
         const Colour page = onPage(kHalfBlue), below = under.at(px(kHalfBlue.x), px(kHalfBlue.y));
         const auto blend = [&](int over, int beneath) { return over + (beneath * (255 - page.alpha) + 127) / 255; };
@@ -198,7 +201,8 @@ private:
     void smallChange() {
         // The page changes this block by itself. A forced whole frame may come in between and two changes may meet in
         // one update, so this waits for an update that is the block and nothing else.
-        const PixelRect block{px(kBlink.x - 50), px(kBlink.y - 30), px(100), px(60)};
+        const PixelRect block{px(kBlink.x - kBlockWidth / 2), px(kBlink.y - kBlockHeight / 2), px(kBlockWidth),
+                              px(kBlockHeight)};
         const auto isBlock = [&](const PixelRect& r) {
             return std::abs(r.x - block.x) <= 1 && std::abs(r.y - block.y) <= 1 &&
                    std::abs(r.width - block.width) <= 2 && std::abs(r.height - block.height) <= 2;
@@ -223,7 +227,7 @@ private:
 
     void resize() {
         const PixelSize before = game.gameWindow().clientSize();
-        for (const PixelSize size : {PixelSize{before.width - 160, before.height - 120}, before}) {
+        for (const PixelSize size : {PixelSize{before.width * 3 / 4, before.height * 3 / 4}, before}) {
             game.gameWindow().setClientSize(size);
             if (game.gameWindow().clientSize() != size) throw Failure("the window did not take its new size");
             bool wasWhole = false;
@@ -247,12 +251,12 @@ private:
         await([&] { return count(PageEvent::Kind::completed) > completed; },
               [] { return "navigationCompleted of the second view did not come"; });
         awaitPage("the second page", kRed.x, kRed.y, kSecondPage);
-        awaitPage("the second page", 500, 300, kSecondPage);
+        awaitPage("the second page", kClear.x, kClear.y, kSecondPage);
         const int closed = count(PageEvent::Kind::closed);
         game.closeTopPage();
         await([&] { return count(PageEvent::Kind::closed) > closed; }, [] { return "viewDidClose did not come"; });
         awaitPage(kRed);
-        awaitPage("the first page's transparent part", 500, 300, kNothing);
+        awaitPage("the first page's transparent part", kClear.x, kClear.y, kNothing);
     }
 
     void closeAndShow() {
@@ -277,7 +281,7 @@ private:
         await([&] { return count(PageEvent::Kind::completed) > completed; },
               [] { return "navigationCompleted of the second text did not come"; });
         awaitPage("the second text", kRed.x, kRed.y, kReloaded);
-        awaitPage("the second text", 500, 300, kReloaded);
+        awaitPage("the second text", kClear.x, kClear.y, kReloaded);
     }
 
     void drop() {
