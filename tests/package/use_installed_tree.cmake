@@ -35,6 +35,15 @@ if(strangers)
   message(FATAL_ERROR "the installed tree holds ${strangers}")
 endif()
 
+# The front page's example is what a newcomer copies: the consumer compiles it.
+file(READ "${sdk}/README.md" page)
+string(REGEX MATCH "```cpp\n([^`]*)```" example "${page}")
+if(NOT example)
+  file(REMOVE_RECURSE "${WORK}")
+  message(FATAL_ERROR "README.md holds no C++ example")
+endif()
+file(WRITE "${WORK}/readme/readme_example.inc" "${CMAKE_MATCH_1}")
+
 # A tree must work where it is moved to.
 file(RENAME "${sdk}" "${WORK}/moved sdk")
 if(TOOLCHAIN)
@@ -43,7 +52,7 @@ else()
   set(compiler -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
 endif()
 step("configuring the consumer" ${CMAKE_COMMAND} -S "${CONSUMER}" -B "${WORK}/consumer" -G ${GENERATOR} ${compiler}
-     -DCMAKE_BUILD_TYPE=Release "-DZEMOUIFramework_DIR=${WORK}/moved sdk/lib/cmake/ZEMOUIFramework")
+     -DCMAKE_BUILD_TYPE=Release "-DREADME_EXAMPLE_DIR=${WORK}/readme" "-DZEMOUIFramework_DIR=${WORK}/moved sdk/lib/cmake/ZEMOUIFramework")
 step("building the consumer" ${CMAKE_COMMAND} --build "${WORK}/consumer")
 # As a shipped game lies on a disk: program and library in one directory, here a name with a space and Korean letters.
 set(game "${WORK}/game 게임")

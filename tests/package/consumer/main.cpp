@@ -5,6 +5,12 @@
 #include <cstdio>
 #include <cwchar>
 
+/// The example of the front page, as it stands there. Compiled only: an engine is not needed here.
+[[maybe_unused]] static void readmeExample(const ZEMO::UI::OsrFramePresentCallback& takeFrame,
+                                           const std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>& delegate) {
+#include "readme_example.inc"
+}
+
 int main() {
     const std::filesystem::path resources = ZEMO::UI::getLocalHTMLResourcePath();
     const std::shared_ptr<ZEMO::UI::IZEMOWebView> view = ZEMO::UI::createWebViewDefault();
