@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "browser/loopback_http_manager.h"
@@ -18,6 +19,10 @@ struct LoopbackHttpManagerPeer {
         return static_cast<unsigned short>(std::stoi(manager.port));
     }
     static std::string portText(const LoopbackHttpManager& manager) { return manager.port; }
+    /// True when the server listens within `time`.
+    static bool isReadyWithin(LoopbackHttpManager& manager, std::chrono::milliseconds time) {
+        return manager.readyFuture.wait_for(time) == std::future_status::ready;
+    }
     static std::size_t pendingCount(LoopbackHttpManager& manager) {
         const std::lock_guard lock(manager.requestsMutex);
         return manager.requests.size();

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "browser/loopback_http_manager.h"
+#include "helpers/loopback_client.h"
+#include "helpers/loopback_peer.h"
+
+// The responder when its socket can't be set up. The system's calls can't be made to fail here, so the entries of this
+// program's import table are replaced for the time of a test; all other calls are the real ones.
+extern "C" {
+extern decltype(&::socket) __imp_socket;
+extern decltype(&::bind) __imp_bind;
+extern decltype(&::listen) __imp_listen;
+extern decltype(&::getsockname) __imp_getsockname;
+extern decltype(&::closesocket) __imp_closesocket;
+}
+
+namespace ZEMO::UI {
+namespace {
+
+using namespace std::chrono_literals;
+using Peer = LoopbackHttpManagerPeer;
+
+std::atomic<int> calls{0};
+std::atomic<int> opened{0};
+std::atomic<int> closed{0};
+decltype(&::socket) realSocket = nullptr;
+decltype(&::closesocket) realClose = nullptr;
+
+SOCKET WSAAPI noSocket(int, int, int) { return ++calls, WSASetLastError(WSAEMFILE), INVALID_SOCKET; }
+int WSAAPI noBind(SOCKET, const sockaddr*, int) { return ++calls, WSASetLastError(WSAEADDRINUSE), SOCKET_ERROR; }
+int WSAAPI noListen(SOCKET, int) { return ++calls, WSASetLastError(WSAENOBUFS), SOCKET_ERROR; }
+int WSAAPI noName(SOCKET, sockaddr*, int*) { return ++calls, WSASetLastError(WSAEFAULT), SOCKET_ERROR; }
+SOCKET WSAAPI countedSocket(int family, int type, int protocol) { return ++opened, realSocket(family, type, protocol); }
+int WSAAPI countedClose(SOCKET socket) { return ++closed, realClose(socket); }
+
+/// One entry of the import table holds another function while this lives.
+template <class Function>
+class Replaced {
+public:
+    Replaced(Function& place, Function other) : entry(place), before(place) { write(other); }
+    ~Replaced() { write(before); }
+    Replaced(const Replaced&) = delete;
+    Replaced& operator=(const Replaced&) = delete;
+    Function original() const { return before; }
+
+private:
+    void write(Function function) {
+        DWORD protection = 0;
+        VirtualProtect(&entry, sizeof entry, PAGE_READWRITE, &protection);
+        entry = function;
+        VirtualProtect(&entry, sizeof entry, protection, &protection);
+    }
+    Function& entry;
+    Function before;
+};
+
+class LoopbackSetup : public testing::Test {
+protected:
+    LoopbackSetup() {
+        calls = opened = closed = 0;
+        realSocket = socketEntry.original();
+        realClose = closeEntry.original();
+    }
+    /// A manager whose worker has met the failing call: never ready, and its end is not held up by anything.
+    void expectNeverReady(int sockets) {
+        {
+            LoopbackHttpManager manager;
+            for (int i = 0; calls == 0 && i < 20'000; ++i) std::this_thread::sleep_for(1ms);
+            EXPECT_EQ(calls, 1) << "the worker did not come to the failing call";
+            EXPECT_FALSE(Peer::isReadyWithin(manager, 300ms));
+            EXPECT_EQ(Peer::registerUrl(manager, "https://x").size(), 16u) << "an address may still come in";
+        }
+        EXPECT_EQ(calls, 1) << "it is not tried again";
+        EXPECT_EQ(opened, sockets);
+        EXPECT_EQ(closed, sockets) << "no socket is left";
+    }
+
+    Replaced<decltype(&::socket)> socketEntry{__imp_socket, &countedSocket};
+    Replaced<decltype(&::closesocket)> closeEntry{__imp_closesocket, &countedClose};
+};
+
+TEST_F(LoopbackSetup, NoSocket_NeverReadyAndEndsCleanly) {
+    const Replaced<decltype(&::socket)> failing(__imp_socket, &noSocket);
+    expectNeverReady(0);
+}
+
+TEST_F(LoopbackSetup, NotBound_NeverReadyAndSocketIsClosedAtTheEnd) {
+    const Replaced<decltype(&::bind)> failing(__imp_bind, &noBind);
+    expectNeverReady(1);
+}
+
+TEST_F(LoopbackSetup, NotListening_NeverReadyAndSocketIsClosedAtTheEnd) {
+    const Replaced<decltype(&::listen)> failing(__imp_listen, &noListen);
+    expectNeverReady(1);
+}
+
+TEST_F(LoopbackSetup, PortNotTold_ReadyWithAnEmptyPort) {
+    const Replaced<decltype(&::getsockname)> failing(__imp_getsockname, &noName);
+    {
+        LoopbackHttpManager manager;
+        EXPECT_TRUE(Peer::isReadyWithin(manager, 20s));
+        EXPECT_EQ(Peer::portText(manager), "");
+        EXPECT_EQ(Peer::shortAddress(manager, "0123456789abcdef"), "http://127.0.0.1:/?requestId=0123456789abcdef");
+    }
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(closed, 1);
+}
+
+}  // namespace
+}  // namespace ZEMO::UI
