@@ -1,8 +1,7 @@
 #include "engine_bench/timed_client.h"
 
-#include <stdexcept>
+#include <cstdlib>
 
-#include "cef/engine_library.h"
 #include "include/cef_browser.h"
 
 namespace ZEMO::Bench {
@@ -34,6 +33,11 @@ bool TimedClient::GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& sc
     return answer;
 }
 
+void TimedClient::OnBeforeClose(CefRefPtr<CefBrowser> browser) {
+    CefAdapter::OnBeforeClose(browser);
+    ended = true;
+}
+
 TimedView::TimedView(Test::GameHost& host, const std::string& address, UI::OsrFramePresentCallback present,
                      PaintWatcher& watcher)
     : game(host), facade(UI::createWebViewDefault()) {
@@ -49,9 +53,8 @@ TimedView::TimedView(Test::GameHost& host, const std::string& address, UI::OsrFr
 
 TimedView::~TimedView() {
     client->close();
-    client = nullptr;
-    // The watcher is the caller's: the engine must have let go of the client first.
-    game.waitFor("the browser's end", [] { return cefLiveEngineObjects() == 0; });
+    // The watcher is the caller's and goes after this: a browser that still paints would use it then.
+    if (!game.waitFor("the browser's end", [&] { return client->browserEnded(); })) std::abort();
 }
 
 void TimedView::askForPaint() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -34,9 +35,14 @@ public:
                  int width, int height) override;
     void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
     bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& screen_info) override;
+    void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
+
+    /// The engine's last call: the watcher is not used any more. Any thread.
+    bool browserEnded() const { return ended; }
 
 private:
     PaintWatcher& watcher;
+    std::atomic<bool> ended{false};
     bool inScreenInfo = false;  ///< engine thread; that answer asks for the view's rectangle itself
 };
 
