@@ -38,9 +38,7 @@ std::shared_ptr<CefModule>& cefModuleInstance() {
 std::wstring findBasePath() {
     wchar_t buffer[kPathCharacters] = {};
     if (!Core::getOwnModulePath(buffer, kPathCharacters)) GetModuleFileNameW(nullptr, buffer, kPathCharacters);
-    std::wstring path = buffer;
-    const size_t cut = path.find_last_of(L"\\/");
-    return cut == std::wstring::npos ? path : path.substr(0, cut);
+    return directoryOf(buffer);
 }
 
 std::wstring localeName(LCTYPE what) {
@@ -60,6 +58,8 @@ void pinOwnModule() {
 std::wstring buildLanguageText(const std::wstring& language, const std::wstring& country) {
     return language + L"-" + country + L"," + language;
 }
+
+std::wstring directoryOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\/")); }
 
 void CefModule::QuitTask::Execute() { CefQuitMessageLoop(); }
 

@@ -1,7 +1,6 @@
 // A small game for tests of whole processes: it loads the library by the path it is given, as a game's launcher would,
 // opens a view on a page of one colour, says "ready", and leaves in the way it is told.
 //   zemo_engine_helper.exe LIBRARY WAY
-//   zemo_engine_helper.exe --record FILE TEXT
 // WAY: return, static, exit, exitprocess, exitprocess-thread, freelibrary, terminate, wait (until killed), drop
 #include <windows.h>
 
@@ -9,8 +8,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -72,10 +69,6 @@ std::shared_ptr<ZEMO::UI::IZEMOWebView>& staticView() {
 
 int wmain(int argc, wchar_t** argv) {
     if (argc < 3) return kFailed;
-    if (argc == 4 && std::wstring(argv[1]) == L"--record") {  // stands in for a program that the shell starts
-        std::ofstream(std::filesystem::path(argv[2])) << std::filesystem::path(argv[3]).string();
-        return 0;
-    }
     const std::wstring way = argv[2];
     AddVectoredExceptionHandler(1, &printLog);
     const HMODULE library = LoadLibraryW(argv[1]);

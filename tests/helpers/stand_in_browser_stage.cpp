@@ -99,6 +99,7 @@ StandInBrowserStage::~StandInBrowserStage() {
 std::wstring StandInBrowserStage::install(const std::wstring& name) {
     const fs::path target = fs::path(directory_) / name;
     if (!fs::exists(target)) fs::copy_file(standInProgram(), target);
+    installed_.insert(target.filename().wstring());
     return target.wstring();
 }
 
@@ -175,6 +176,7 @@ void StandInBrowserStage::waitForLaunched() {
     entry.dwSize = sizeof(entry);
     for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
         if (entry.th32ParentProcessID != GetCurrentProcessId()) continue;
+        if (!installed_.contains(entry.szExeFile)) continue;  // such as the engine's own processes
         bool isRunningBrowser = false;
         for (const Running& browser : running_) isRunningBrowser |= browser.processId == entry.th32ProcessID;
         if (isRunningBrowser) continue;

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <chrono>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,7 @@ private:
     std::wstring keyPath_;
     std::wstring directory_;
     std::vector<Running> running_;
+    std::set<std::wstring> installed_;
 };
 
 std::string toUtf8(const std::wstring& text);

@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <clocale>
+
+#include "support/debug_log.h"
+#include "zemo/ui.h"
+
+// The exports of a library that was loaded but not started: none may need an engine, a window or a layer.
+namespace ZEMO::Test {
+namespace {
+
+using namespace ZEMO::UI;
+
+TEST(UiExports, LanguageUpdated_NothingHappens) {
+    const DebugLogCapture log;
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    for (const char* language : {static_cast<const char*>(nullptr), "", "ko", "no such language"}) {
+        updateUILanguage(language);
+    }
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+    EXPECT_TRUE(log.lines().empty()) << log.dump();
+}
+
+TEST(UiExports, ImeStepWithoutALayer_NothingHappens) {
+    const std::u16string text = u"한";
+    const uint32_t repeat = 2;
+    for (uint32_t kind = 0; kind < 4; ++kind) {
+        setImeProcess(kind, &text, &repeat, nullptr);
+        setImeProcess(kind, nullptr, nullptr, nullptr);
+    }
+}
+
+TEST(UiExports, EventsWithoutALayerOrWindow_NothingHappens) {
+    const DebugLogCapture log;
+    processSteamDeckKeyboardClose();
+    sendGameControllerCustomMsgData("{}");
+    sendGameControllerStatus("{}");
+    sendUIRemoteInputEvent("mouse", "down", "left", -1, 1 << 30);
+    setUISteamOverlayActiveStatus(true);
+    setUISteamOverlayActiveStatus(false);
+    activeFocusMainWindow();
+    EXPECT_TRUE(log.lines().empty()) << log.dump();
+}
+
+TEST(UiExports, GraphicsHookMissing_OffWithoutAMessage) {
+    const DebugLogCapture log;
+    InitUIGraphicsHook();
+    EXPECT_EQ(GetModuleHandleW(L"ZEMOGraphicsHook.dll"), nullptr) << "this test expects that no hook module lies here";
+    EXPECT_TRUE(log.lines().empty()) << log.dump();
+}
+
+TEST(UiExports, LocalHtmlPath_BesideTheLibraryWithForwardSlashes) {
+    wchar_t path[MAX_PATH] = {};
+    ASSERT_NE(GetModuleFileNameW(GetModuleHandleW(L"ZEMOUIFramework.dll"), path, MAX_PATH), 0u);
+    std::filesystem::path expected = std::filesystem::path(path).parent_path() / L"resources" / L"html";
+    const std::wstring html = getLocalHTMLResourcePath().wstring();
+    EXPECT_EQ(html.find(L'\\'), std::wstring::npos);
+    std::wstring expectedText = expected.wstring();
+    std::ranges::replace(expectedText, L'\\', L'/');
+    EXPECT_EQ(html, expectedText);
+    EXPECT_TRUE(std::filesystem::is_directory(html)) << "its page tree lies there";
+}
+
+TEST(UiExports, Factories_GiveANewObjectEachTime) {
+    const auto view = createWebViewDefault();
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view.use_count(), 1);
+    EXPECT_NE(createWebViewDefault(), view);
+    const auto dialog = createFileSelectViewDialog();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog.use_count(), 1);
+}
+
+struct ShownAndClosed : ZEMOViewDelegate {
+    int shown = 0;
+    int closed = 0;
+    void viewDidShow(IZEMOView*) override { ++shown; }
+    void viewDidClose(IZEMOView*) override { ++closed; }
+};
+
+// The engine is not there, so neither is a browser; the view itself goes through its states.
+TEST(UiExports, ViewShownWithoutAnEngine_NoPageAndNoCrash) {
+    for (const int mode : {0, 1}) {
+        const auto observer = std::make_shared<ShownAndClosed>();
+        auto view = createWebViewDefault();
+        view->setViewDelegate(observer);
+        view->setDisplayMode(mode);
+        view->setSize(64, 48);
+        view->loadPage("start");
+        view->show();
+        EXPECT_FALSE(view->canGoBack());
+        view->loadUrl("https://x", {});
+        view->evaluateJavascript("1", [](std::string, std::string) {});
+        view->goBack();
+        view->close();
+        EXPECT_EQ(observer->shown, 1);
+        EXPECT_EQ(observer->closed, 1);
+        view.reset();
+    }
+}
+
+}  // namespace
+}  // namespace ZEMO::Test

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include "layers/window_messages.h"
+#include "support/helper_process.h"
+#include "window/window_test_support.h"
+#include "zemo/ui.h"
+
+// Exports that act on the game's windows, with real windows of this and of another process in front.
+namespace ZEMO::UI::test {
+namespace {
+
+/// A game whose main window the manager knows; nothing is subclassed, so that its own procedure sees every message.
+class GameExports : public testing::Test {
+protected:
+    GameExports() { ZEMOMultiLayerManager::instance().setMainWindow(game.handle()); }
+    ~GameExports() override { ZEMOMultiLayerManager::instance().setMainWindow(nullptr); }
+
+    static bool bringToFront(HWND window) {
+        const ULONGLONG end = GetTickCount64() + 20'000;
+        while (GetForegroundWindow() != window && GetTickCount64() < end) {
+            SetForegroundWindow(window);
+            Sleep(10);
+        }
+        return GetForegroundWindow() == window;
+    }
+    /// The texts that came with message 1224; each is freed, as its receiver must.
+    std::vector<std::string> scriptTexts(const GameWindow& window) const {
+        std::vector<std::string> texts;
+        for (const ReceivedMessage& message : window.received()) {
+            if (message.message != kMessageExternalScript) continue;
+            const std::unique_ptr<std::string> text(reinterpret_cast<std::string*>(message.lParam));
+            texts.push_back(*text);
+        }
+        return texts;
+    }
+
+    GameWindow game;
+};
+
+TEST_F(GameExports, MainWindowInFront_ScriptTextIsPostedToIt) {
+    ASSERT_TRUE(bringToFront(game.handle()));
+    sendGameControllerCustomMsgData("{\"button\":\"한\"}");
+    ASSERT_TRUE(game.waitForMessage(kMessageExternalScript));
+    EXPECT_EQ(scriptTexts(game), std::vector<std::string>{"{\"button\":\"한\"}"});
+}
+
+TEST_F(GameExports, OwnedWindowInFront_GetsTheScriptText) {
+    GameWindow view({300, 300, 600, 500});
+    // GameWindow has no owner of its own; the owner is what GetWindow(GW_OWNER) tells.
+    SetWindowLongPtrW(view.handle(), GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(game.handle()));
+    ASSERT_EQ(GetWindow(view.handle(), GW_OWNER), game.handle());
+    ASSERT_TRUE(bringToFront(view.handle()));
+    sendGameControllerCustomMsgData("x");
+    ASSERT_TRUE(view.waitForMessage(kMessageExternalScript));
+    EXPECT_EQ(scriptTexts(view), std::vector<std::string>{"x"});
+    EXPECT_TRUE(scriptTexts(game).empty());
+}
+
+TEST_F(GameExports, AnotherWindowOfTheGameInFront_NothingIsPosted) {
+    GameWindow other({300, 300, 600, 500});
+    ASSERT_TRUE(bringToFront(other.handle()));
+    sendGameControllerCustomMsgData("x");
+    // Posted messages come in order: with this one, an earlier 1224 would be there.
+    for (GameWindow* window : {&game, &other}) {
+        PostMessageW(window->handle(), WM_USER + 300, 0, 0);
+        ASSERT_TRUE(window->waitForMessage(WM_USER + 300));
+        EXPECT_TRUE(scriptTexts(*window).empty());
+    }
+}
+
+TEST_F(GameExports, AnotherApplicationInFront_NothingIsPosted) {
+    ZEMO::Test::HelperProcess other(ZEMO::Test::helperPath(L"platform_probe.exe"), {L"shown", L"ready", L"pump"});
+    ASSERT_TRUE(other.line("ready")) << other.output();
+    ASSERT_TRUE(bringToFront(FindWindowW(L"ZemoPlatformProbe", nullptr)));
+    DWORD process = 0;
+    GetWindowThreadProcessId(GetForegroundWindow(), &process);
+    ASSERT_EQ(process, other.id());
+    sendGameControllerCustomMsgData("x");
+    PostMessageW(game.handle(), WM_USER + 300, 0, 0);
+    ASSERT_TRUE(game.waitForMessage(WM_USER + 300));
+    EXPECT_TRUE(scriptTexts(game).empty());
+}
+
+TEST_F(GameExports, FocusAskedForFromAThreadWithWindows_MainWindowComesToTheFront) {
+    GameWindow other({300, 300, 600, 500});
+    ASSERT_TRUE(bringToFront(other.handle()));
+    other.onThread([] { activeFocusMainWindow(); });
+    EXPECT_EQ(GetForegroundWindow(), game.handle());
+}
+
+TEST_F(GameExports, FocusAskedForOnTheMainWindowsOwnThread_Nothing) {
+    GameWindow other({300, 300, 600, 500});
+    ASSERT_TRUE(bringToFront(other.handle()));
+    game.onThread([] { activeFocusMainWindow(); });  // a thread can't be attached to itself
+    EXPECT_EQ(GetForegroundWindow(), other.handle());
+}
+
+TEST_F(GameExports, FocusAskedForWithoutAMainWindow_Nothing) {
+    ZEMOMultiLayerManager::instance().setMainWindow(nullptr);
+    GameWindow other({300, 300, 600, 500});
+    ASSERT_TRUE(bringToFront(other.handle()));
+    other.onThread([] { activeFocusMainWindow(); });
+    EXPECT_EQ(GetForegroundWindow(), other.handle());
+}
+
+}  // namespace
+}  // namespace ZEMO::UI::test
