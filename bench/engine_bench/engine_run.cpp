@@ -197,7 +197,12 @@ RunResult runInOwnProcess(const RunOrder& order) {
 }
 
 void mainOfRuns(int (*drive)()) {
-    if (!std::getenv(kOrderVariable)) leaveWith(drive);
+    if (!std::getenv(kOrderVariable)) {
+        // Wine takes a desktop down a moment after its last user, and a run that starts right then finds none.
+        CreateWindowExW(0, L"STATIC", L"desktop holder", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        ReleaseDC(nullptr, GetDC(nullptr));
+        leaveWith(drive);
+    }
     if (const char* file = std::getenv(kResultVariable)) {
         // A process that inherits nothing has nowhere to complain.
         if (!std::freopen((std::string(file) + ".err").c_str(), "w", stderr)) std::abort();
