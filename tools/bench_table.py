@@ -4,7 +4,7 @@
     bench_table.py FILE.json...
 
 A program is google-benchmark's, or prints JSON lines of its own: {"name", "unit", "samples": [...]} or {"name", "unit",
-"median", "p95"}, with "floor" where it has one. A case names its floor, the least that its work could cost, by the label
+"median", "p95", "p99"}, with "floor" where it has one. A case names its floor, the least that its work could cost, by the label
 "floor=OTHER CASE" of the same program; the table shows median over floor. Times are worth something only against others of
 the same run. NAME chooses programs (bench_NAME or part of it)."""
 import argparse
@@ -29,13 +29,11 @@ def percentile(values, share):
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
-def row(name, unit, samples=None, median=None, p95=None, floor=None):
+def row(name, unit, samples=None, median=None, p95=None, p99=None, floor=None):
+    fifth = None
     if samples:
-        median, p95 = percentile(samples, 0.5), percentile(samples, 0.95)
-        fifth = percentile(samples, 0.05)
-    else:
-        fifth = None
-    return {"name": name, "unit": unit, "runs": len(samples or []), "median": median, "p95": p95, "p5": fifth, "floor": floor}
+        fifth, median, p95, p99 = (percentile(samples, share) for share in (0.05, 0.5, 0.95, 0.99))
+    return {"name": name, "unit": unit, "runs": len(samples or []), "median": median, "p95": p95, "p99": p99, "p5": fifth, "floor": floor}
 
 
 def floor_of(text):
@@ -67,7 +65,7 @@ def from_lines(text):
         if not line.startswith("{"):
             continue
         data = json.loads(line)
-        rows.append(row(data["name"], data.get("unit", ""), data.get("samples"), data.get("median"), data.get("p95"), data.get("floor")))
+        rows.append(row(data["name"], data.get("unit", ""), data.get("samples"), data.get("median"), data.get("p95"), data.get("p99"), data.get("floor")))
     return rows
 
 
@@ -91,14 +89,14 @@ def number(value):
 
 
 def table(groups):
-    lines = [("case", "median", "p95", "unit", "x floor", "floor")]
+    lines = [("case", "median", "p95", "p99", "unit", "runs", "x floor", "floor")]
     for program, rows in groups:
-        lines.append((f"-- {program}", "", "", "", "", ""))
+        lines.append((f"-- {program}",) + ("",) * 7)
         for r in rows:
-            lines.append((r["name"], number(r["median"]), number(r["p95"]), r["unit"],
+            lines.append((r["name"], number(r["median"]), number(r["p95"]), number(r.get("p99")), r["unit"], str(r["runs"] or "-"),
                           f"{r['ratio']:.2f}" if r["ratio"] is not None else "-", r["floor"] or ""))
-    widths = [max(len(line[i]) for line in lines) for i in range(6)]
-    return "\n".join("  ".join(cell.ljust(w) if i in (0, 3, 5) else cell.rjust(w) for i, (cell, w) in enumerate(zip(line, widths))).rstrip()
+    widths = [max(len(line[i]) for line in lines) for i in range(8)]
+    return "\n".join("  ".join(cell.ljust(w) if i in (0, 4, 7) else cell.rjust(w) for i, (cell, w) in enumerate(zip(line, widths))).rstrip()
                      for line in lines)
 
 
@@ -198,7 +196,7 @@ def main():
     if groups:
         print(table(groups))
     if arguments.run and groups:
-        print(f"\n{arguments.repetitions} repetitions a case on {machine()} ({os.cpu_count()} cores); figures and plots are in {arguments.out}")
+        print(f"\non {machine()} ({os.cpu_count()} cores); figures and plots are in {arguments.out}")
     if failed:
         sys.exit("failed: " + ", ".join(failed))
 

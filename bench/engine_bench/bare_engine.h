@@ -1,0 +1,47 @@
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+#include "include/cef_client.h"
+
+namespace ZEMO::Bench {
+
+/// Starts the engine in this process on a thread of its own, with the settings and switches that the library starts it
+/// with, and returns when it is ready. `cacheName`: a directory beside the program, another than the library's. The
+/// thread runs until the process ends. Throws std::runtime_error when the engine does not start.
+void startBareEngine(const std::wstring& cacheName);
+
+/// The least client that shows a page without a window: it answers the view's size and hands each paint on.
+class BareClient final : public CefClient, public CefRenderHandler, public CefLifeSpanHandler {
+public:
+    /// pixels, width, height; on the engine thread.
+    using Paint = std::function<void(const void*, int, int)>;
+    BareClient(int width, int height, Paint paint) : width(width), height(height), paint(std::move(paint)) {}
+
+    /// Makes the browser as a web layer does. Any thread.
+    void open(HWND parent, const std::string& address);
+    void close();
+    bool closed() const { return ended; }
+
+    CefRefPtr<CefRenderHandler> GetRenderHandler() override { return this; }
+    CefRefPtr<CefLifeSpanHandler> GetLifeSpanHandler() override { return this; }
+    void OnAfterCreated(CefRefPtr<CefBrowser> created) override;
+    void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
+    void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
+    bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& screen_info) override;
+    void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects, const void* buffer,
+                 int width, int height) override;
+
+private:
+    const int width, height;
+    const Paint paint;
+    CefRefPtr<CefBrowser> browser;  ///< engine thread
+    std::atomic<bool> ended{false};
+    IMPLEMENT_REFCOUNTING(BareClient);
+};
+
+}  // namespace ZEMO::Bench
