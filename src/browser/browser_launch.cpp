@@ -4,15 +4,15 @@
 
 #include <shellapi.h>
 
-#include <thread>
 #include <utility>
 
 #include "browser/browser_rules.h"
 #include "browser/default_browser.h"
 #include "browser/loopback_http_manager.h"
-#include "browser/module_pin.h"
+#include "core/detached_thread.h"
 #include "core/log.h"
 #include "core/module_paths.h"
+#include "core/module_pin.h"
 #include "zemo/platform.h"
 
 namespace ZEMO::UI {
@@ -89,17 +89,17 @@ void openIncognitoBrowserProcedure(const std::string& url) {
 }
 
 void openExternalBrowser(std::string url, BrowserLaunchSettings settings) {
-    pinOwnModule();
-    std::thread([url = std::move(url), settings = std::move(settings)] {
+    Core::pinOwnModule();
+    Core::runDetached([url = std::move(url), settings = std::move(settings)] {
         if (!gameTakesOver(url, settings)) openBrowserProcedure(url, settings);
-    }).detach();
+    });
 }
 
 void openIncognitoExternalBrowser(std::string url, BrowserLaunchSettings settings) {
-    pinOwnModule();
-    std::thread([url = std::move(url), settings = std::move(settings)] {
+    Core::pinOwnModule();
+    Core::runDetached([url = std::move(url), settings = std::move(settings)] {
         if (!gameTakesOver(url, settings)) openIncognitoBrowserProcedure(url);
-    }).detach();
+    });
 }
 
 }  // namespace ZEMO::UI

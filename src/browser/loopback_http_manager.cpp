@@ -8,8 +8,9 @@
 // 3. Only then are the module's static objects destroyed, still under the loader's lock: running goes false, the worker
 // has
 //    nothing left to be joined and its thread object is let go unwaited (the thread library's own locks may have been
-//    held by a thread that was ended, as may requestsMutex, which is not taken either), the listening socket is closed,
-//    Winsock is given back (its library goes after this one, because this one imports it), requests are destroyed.
+//    held by a thread that was ended, as may requestsMutex, which is not taken either), so are the requests, which such
+//    a thread may have left half changed, the listening socket is closed, Winsock is given back (its library goes after
+//    this one, because this one imports it).
 // 4. TerminateProcess runs none of this; the system closes the socket.
 //
 // An instance of a test, or one linked into a program without the library, is destroyed with its worker alive: the join
@@ -27,7 +28,7 @@
 #include <utility>
 
 #include "browser/loopback_request.h"
-#include "browser/module_pin.h"
+#include "core/module_pin.h"
 #include "core/process_end.h"
 #include "core/singleton.h"
 
@@ -42,10 +43,11 @@ std::int64_t nowInTicks() {
     return std::chrono::duration_cast<Ticks>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
-// Keeps the object of a thread that the system has ended: neither joined nor destroyed.
-void abandon(std::thread ended) {
-    alignas(std::thread) static std::byte kept[sizeof(std::thread)];
-    new (kept) std::thread(std::move(ended));
+// Keeps what a thread that the system has ended may have been at work on: neither joined nor destroyed.
+template <class T>
+void abandon(T left) {
+    alignas(T) static std::byte kept[sizeof(T)];
+    new (kept) T(std::move(left));
 }
 
 }  // namespace
@@ -55,7 +57,7 @@ LoopbackHttpManager* LoopbackHttpManager::instance() { return &Core::Singleton<L
 LoopbackHttpManager::LoopbackHttpManager() : readyFuture(readyPromise.get_future()) {
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
-    pinOwnModule();
+    Core::pinOwnModule();
     running = true;
     workerThread = std::thread(&LoopbackHttpManager::run, this);
 }
@@ -64,6 +66,7 @@ LoopbackHttpManager::~LoopbackHttpManager() {
     running = false;
     if (Core::isProcessEnding()) {
         abandon(std::move(workerThread));
+        abandon(std::move(requests));
     } else if (workerThread.joinable()) {
         workerThread.join();
     }
@@ -131,9 +134,15 @@ void LoopbackHttpManager::run() {
         FD_ZERO(&readable);
         FD_SET(listener, &readable);
         const timeval timeout{0, kSelectTimeoutMicroseconds};
-        if (select(0, &readable, nullptr, nullptr, &timeout) <= 0 || !FD_ISSET(listener, &readable)) continue;
-        const SOCKET client = accept(listener, nullptr, nullptr);
-        if (client != INVALID_SOCKET) handleClient(client);
+        const int ready = select(0, &readable, nullptr, nullptr, &timeout);
+        if (ready == 0) continue;
+        const SOCKET client = ready > 0 ? accept(listener, nullptr, nullptr) : INVALID_SOCKET;
+        if (client != INVALID_SOCKET) {
+            handleClient(client);
+        } else {
+            // Such as a socket library that another module gave back once too often: it must not cost a core.
+            std::this_thread::sleep_for(std::chrono::microseconds(kSelectTimeoutMicroseconds));
+        }
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/log.h"
 #include "core/module_paths.h"
+#include "core/module_pin.h"
 #include "engine/engine_files.h"
 #include "engine/engine_library.h"
 #include "engine/runtime_selection.h"
@@ -45,12 +46,6 @@ std::wstring localeName(LCTYPE what) {
     wchar_t buffer[kNameCharacters] = {};
     GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), what, buffer, kNameCharacters);
     return buffer;
-}
-
-void pinOwnModule() {
-    HMODULE pinned = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       reinterpret_cast<LPCWSTR>(&pinOwnModule), &pinned);
 }
 
 }  // namespace
@@ -116,7 +111,7 @@ void CefModule::signalReady() {
 
 void CefModule::engineThreadMain() {
     Core::logDebugA("cef initializing ... \n");
-    pinOwnModule();
+    Core::pinOwnModule();
     runEngine();
 }
 

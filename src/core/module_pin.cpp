@@ -1,8 +1,8 @@
-#include "browser/module_pin.h"
+#include "core/module_pin.h"
 
 #include <windows.h>
 
-namespace ZEMO::UI {
+namespace ZEMO::Core {
 
 void pinOwnModule() {
     HMODULE module = nullptr;
@@ -10,4 +10,4 @@ void pinOwnModule() {
                        reinterpret_cast<LPCWSTR>(&pinOwnModule), &module);
 }
 
-}  // namespace ZEMO::UI
+}  // namespace ZEMO::Core
