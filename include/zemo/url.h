@@ -66,7 +66,7 @@ public:
 class ZEMO_API URL : public IURL {
 public:
     /// Splits `url`. No text is refused: a part that is not there is empty.
-    explicit URL(const std::string& url);
+    URL(const std::string& url);
     URL(const URL& other);
     URL& operator=(const URL& other);
 

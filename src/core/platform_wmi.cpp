@@ -128,7 +128,7 @@ void fillGpuModels() {
 std::string getDeviceModel() {
     if (!deviceModelCache.empty()) return deviceModelCache;
     const std::lock_guard lock(Core::platformMutex);
-    deviceModelCache = findDeviceModel();
+    if (deviceModelCache.empty()) deviceModelCache = findDeviceModel();  // another thread may have been first
     return deviceModelCache;
 }
 
