@@ -27,9 +27,8 @@ inline void report(const std::string& name, const std::string& unit, const std::
                 floor.empty() ? "" : std::format(",\"floor\":\"{}\"", floor).c_str());
 }
 
-/// Runs `work` and ends the process with its result, at once: after an engine ran here, an ordinary end would run the
-/// engine's process detach when its threads are already gone (see tests/engine_main/main.cpp). An exception is a
-/// failure with its text.
+/// Runs `work` and ends the process with its result, at once: the next run's time must not hold this one's end. An
+/// exception is a failure with its text.
 [[noreturn]] inline void leaveWith(int (*work)()) {
     int result = 1;
     try {
