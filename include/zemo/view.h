@@ -32,7 +32,7 @@ public:
     /// window until the view object dies.
     virtual void close() = 0;
 
-    /// Held weakly: the game keeps its delegate alive for as long as it wants to hear of anything.
+    /// Held weakly: the game keeps its delegate alive for as long as it wants to hear of anything. Before show.
     virtual void setViewDelegate(std::shared_ptr<ZEMOViewDelegate> delegate) = 0;
 
     /// Logical pixels, truncated toward zero. Only the first show reads them, and only for a window of its own: a layer

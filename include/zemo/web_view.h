@@ -41,7 +41,8 @@ public:
 /// reports an error by value: a failed load arrives as navigationFailed.
 class IZEMOWebView : public IZEMOView {
 public:
-    /// Held weakly. A view without a living delegate never gets its close button.
+    /// Held weakly. A view without a living delegate never gets its close button. Before show: the engine thread reads
+    /// it from then on.
     virtual void setWebViewDelegate(std::shared_ptr<ZEMOWebViewDelegate> delegate) = 0;
 
     /// A page of resources\html beside the library, by its name without ".html" ("start"), or, before the first show,

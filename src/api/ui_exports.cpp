@@ -51,7 +51,8 @@ void sendGameControllerCustomMsgData(const std::string& data) {
     // A view's own window is owned by the game's: it gets the text when it is the one in front.
     const HWND mainWindow = manager().getMainWindow();
     const HWND foreground = GetForegroundWindow();
-    if (!foreground || (foreground != mainWindow && GetWindow(foreground, GW_OWNER) != mainWindow)) return;
+    if (!mainWindow || !foreground) return;  // every window without an owner would pass for an owned one
+    if (foreground != mainWindow && GetWindow(foreground, GW_OWNER) != mainWindow) return;
     postText(foreground, kMessageExternalScript, data);
 }
 

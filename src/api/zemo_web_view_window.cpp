@@ -9,8 +9,10 @@
 #include <utility>
 
 #include "controller/controller_scripts.h"
+#include "core/process_end.h"
 #include "layers/layer_manager.h"
 #include "layers/web_layer.h"
+#include "render/pixel_scale.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -44,6 +46,11 @@ ZEMOWebViewWindow::ZEMOWebViewWindow() : closeGate(CreateMutexW(nullptr, FALSE, 
 
 ZEMOWebViewWindow::~ZEMOWebViewWindow() {
     isClosed = true;
+    if (Core::isProcessEnding()) {
+        // A view in a static object of another module: the threads are gone, with whatever locks they held.
+        (void)std::make_unique<std::shared_ptr<WebLayer>>(std::move(layer)).release();
+        return;
+    }
     if (displayMode == kModeLayer && layer) ZEMOMultiLayerManager::instance().removeLayer(layer);
     layer.reset();
 }
@@ -132,8 +139,8 @@ void ZEMOWebViewWindow::close() {
 void ZEMOWebViewWindow::setViewDelegate(std::shared_ptr<ZEMOViewDelegate> delegate) { viewDelegate = delegate; }
 
 void ZEMOWebViewWindow::setSize(float newWidth, float newHeight) {
-    width = static_cast<int32_t>(newWidth);
-    height = static_cast<int32_t>(newHeight);
+    width = truncateToInt(newWidth);
+    height = truncateToInt(newHeight);
 }
 
 void ZEMOWebViewWindow::setWebViewDelegate(std::shared_ptr<ZEMOWebViewDelegate> delegate) {

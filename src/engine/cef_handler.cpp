@@ -163,7 +163,11 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
 }
 
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
-    if (windowStyle == WindowStyle::Window) PostMessageW(window, WM_CLOSE, 0, 0);
+    if (windowStyle != WindowStyle::Window) return;
+    // The user may have closed the window long ago, and its handle may name another program's now.
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process == GetCurrentProcessId()) PostMessageW(window, WM_CLOSE, 0, 0);
 }
 
 bool CefHandler::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle cursor, cef_cursor_type_t /*type*/,

@@ -19,7 +19,9 @@ void JavascriptProcessor::send(const std::string& id, const std::string& script,
     arguments->SetString(1, script);
     arguments->SetString(2, "");
     arguments->SetString(3, "");
-    if (browser) browser->GetMainFrame()->SendProcessMessage(PID_RENDERER, message);
+    // A page may have closed its browser by itself, which has no frame then.
+    const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr;
+    if (frame) frame->SendProcessMessage(PID_RENDERER, message);
 }
 
 void JavascriptProcessor::addObjectCallback(std::string name, std::function<void(std::string)> callback) {

@@ -40,6 +40,8 @@ WebLayer::WebLayer(Settings settings)
 
 WebLayer::~WebLayer() {
     adapter->close();
+    // An own window closes with its browser. Without an engine there is none, and nobody else would close it.
+    if (!browserRequested && getWindowStyle() == WindowStyle::Window) PostMessageW(getWindowHandle(), WM_CLOSE, 0, 0);
     controllerScriptUseCallback = nullptr;
     closeButtonAction = nullptr;
     layerDestroyHandler = nullptr;
@@ -54,12 +56,14 @@ void WebLayer::createBrowser(const std::string& address) {
     windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
     CefBrowserSettings browserSettings;
     browserSettings.windowless_frame_rate = kFrameRate;
-    CefBrowserHost::CreateBrowser(windowInfo, adapter, address, browserSettings, nullptr, nullptr);
+    browserRequested = CefBrowserHost::CreateBrowser(windowInfo, adapter, address, browserSettings, nullptr, nullptr);
 }
 
 void WebLayer::navigate(const std::string& address) {
     adapter->getJavascriptProcessor()->resetPageReady();
-    if (const CefRefPtr<CefBrowser> browser = adapter->getBrowser()) browser->GetMainFrame()->LoadURL(address);
+    const CefRefPtr<CefBrowser> browser = adapter->getBrowser();
+    // A page may have closed its browser by itself, which has no frame then.
+    if (const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr) frame->LoadURL(address);
 }
 
 void WebLayer::loadHtml(std::string_view html, std::string_view path, bool reload) {

@@ -99,6 +99,7 @@ private:
     bool hasBrowser();
 
     CefRefPtr<CefAdapter> adapter;
+    bool browserRequested = false;                    ///< the engine has taken the request for a browser
     std::atomic<bool> controllerScriptActive{false};  ///< written on the engine thread, read on the window's
     std::function<void()> windowCloseHandler;
     std::function<void()> layerDestroyHandler;

@@ -7,14 +7,16 @@ namespace ZEMO::UI {
 
 namespace {
 
-// Sizes come from callers and pages: one beyond an int's range takes the nearest end of it.
-int floorToInt(float value) {
-    const float whole = std::floor(value);
-    if (whole >= 2147483648.0f) return std::numeric_limits<int>::max();
-    return whole > -2147483648.0f ? static_cast<int>(whole) : std::numeric_limits<int>::min();
-}
+int floorToInt(float value) { return truncateToInt(std::floor(value)); }
 
 }  // namespace
+
+int truncateToInt(float value) {
+    constexpr float kBeyond = 2147483648.0f;
+    if (std::isnan(value)) return 0;
+    if (value >= kBeyond) return std::numeric_limits<int>::max();
+    return value > -kBeyond ? static_cast<int>(value) : std::numeric_limits<int>::min();
+}
 
 int deviceToLogical(int value, float scale) { return floorToInt(static_cast<float>(value) / scale); }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <limits>
 
 #include "support/debug_log.h"
 #include "zemo/ui.h"
@@ -80,6 +81,14 @@ struct ShownAndClosed : ZEMOViewDelegate {
     void viewDidClose(IZEMOView*) override { ++closed; }
 };
 
+HWND ownWindow() { return FindWindowW(L"ZEMOExtraWindowClass", nullptr); }
+
+bool isOwnWindowGoneIn(DWORD milliseconds) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    while (ownWindow() && GetTickCount64() < end) Sleep(5);
+    return !ownWindow();
+}
+
 // The engine is not there, so neither is a browser; the view itself goes through its states.
 TEST(UiExports, ViewShownWithoutAnEngine_NoPageAndNoCrash) {
     for (const int mode : {0, 1}) {
@@ -87,6 +96,7 @@ TEST(UiExports, ViewShownWithoutAnEngine_NoPageAndNoCrash) {
         auto view = createWebViewDefault();
         view->setViewDelegate(observer);
         view->setDisplayMode(mode);
+        view->setSize(std::numeric_limits<float>::quiet_NaN(), 3e38f);  // nobody's size, and no reason to crash
         view->setSize(64, 48);
         view->loadPage("start");
         view->show();
@@ -97,7 +107,9 @@ TEST(UiExports, ViewShownWithoutAnEngine_NoPageAndNoCrash) {
         view->close();
         EXPECT_EQ(observer->shown, 1);
         EXPECT_EQ(observer->closed, 1);
+        EXPECT_EQ(ownWindow() != nullptr, mode == 1) << "an own window stays after close";
         view.reset();
+        EXPECT_TRUE(isOwnWindowGoneIn(20'000)) << "nobody else would close it";
     }
 }
 

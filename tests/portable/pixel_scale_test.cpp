@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace ZEMO::UI {
 
 TEST(PixelScale, DeviceHundredAtOnePointFive_LogicalSixtySix) { EXPECT_EQ(deviceToLogical(100, 1.5f), 66); }
@@ -24,6 +26,21 @@ TEST(PixelScale, RectToDevice_FieldByField) {
     Rect out;
     logicalToDeviceRect(out, Rect{3, 5, 33, 7}, 1.5f);
     EXPECT_EQ(out, (Rect{4, 7, 49, 10}));
+}
+
+TEST(PixelScale, ValuesBeyondAnInt_TakeItsNearestEnd) {
+    constexpr int kMost = std::numeric_limits<int>::max();
+    constexpr int kLeast = std::numeric_limits<int>::min();
+    EXPECT_EQ(logicalToDevice(kMost, 1.0f), kMost);
+    EXPECT_EQ(logicalToDevice(kMost, 4.0f), kMost);
+    EXPECT_EQ(logicalToDevice(kLeast, 1.5f), kLeast);
+    EXPECT_EQ(deviceToLogical(kMost, 0.5f), kMost);
+    EXPECT_EQ(deviceToLogical(kLeast, 1.0f), kLeast);
+    EXPECT_EQ(truncateToInt(1e30f), kMost);
+    EXPECT_EQ(truncateToInt(-std::numeric_limits<float>::infinity()), kLeast);
+    EXPECT_EQ(truncateToInt(std::numeric_limits<float>::quiet_NaN()), 0);
+    EXPECT_EQ(truncateToInt(-2.9f), -2);
+    EXPECT_EQ(truncateToInt(2.9f), 2);
 }
 
 }  // namespace ZEMO::UI

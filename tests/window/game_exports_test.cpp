@@ -81,6 +81,15 @@ TEST_F(GameExports, AnotherApplicationInFront_NothingIsPosted) {
     EXPECT_TRUE(scriptTexts(game).empty());
 }
 
+TEST_F(GameExports, NoMainWindow_NothingIsPostedToAWindowWithoutAnOwner) {
+    ZEMOMultiLayerManager::instance().setMainWindow(nullptr);
+    ASSERT_TRUE(bringToFront(game.handle()));
+    sendGameControllerCustomMsgData("x");
+    PostMessageW(game.handle(), WM_USER + 300, 0, 0);
+    ASSERT_TRUE(game.waitForMessage(WM_USER + 300));
+    EXPECT_TRUE(scriptTexts(game).empty());
+}
+
 TEST_F(GameExports, FocusAskedForFromAThreadWithWindows_MainWindowComesToTheFront) {
     GameWindow other({300, 300, 600, 500});
     ASSERT_TRUE(bringToFront(other.handle()));
