@@ -281,6 +281,20 @@ TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
     EXPECT_EQ(info.depth, 99) << "the other fields stay as they came";
 }
 
+TEST(ScreenInfo, LogicalPixelsOfTheViewAndItsScale_Scale150) {
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    GameHost game;
+    ClientView view(game, "data:text/html,x");
+    CefScreenInfo info;
+    ASSERT_TRUE(runOnEngine(game, [&] { EXPECT_TRUE(view.adapter->GetScreenInfo(nullptr, info)); }));
+    EXPECT_FLOAT_EQ(info.device_scale_factor, 1.5f);
+    // 320 x 200 device pixels, rounded down.
+    EXPECT_EQ(CefRect(info.rect.x, info.rect.y, info.rect.width, info.rect.height), CefRect(0, 0, 213, 133));
+    EXPECT_EQ(
+        CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width, info.available_rect.height),
+        CefRect(0, 0, 213, 133));
+}
+
 TEST_F(Callbacks, Closed_BrowserIsOutOfReachAndFramesEnd) {
     view.adapter->close();
     EXPECT_EQ(view.adapter->getBrowser(), nullptr);

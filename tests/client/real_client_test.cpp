@@ -6,6 +6,7 @@
 #include "client/client_view.h"
 #include "client/engine_task.h"
 #include "engine/cef_module.h"
+#include "render/display_scale.h"
 #include "render/rendering_mode.h"
 #include "support/http_server.h"
 
@@ -31,36 +32,50 @@ FrameRect areaOf(const FrameRecorder& frames, uint32_t color) {
 
 HCURSOR classCursor(HWND window) { return reinterpret_cast<HCURSOR>(GetClassLongPtrW(window, GCLP_HCURSOR)); }
 
-}  // namespace
-
-TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses) {
+/// A select list at (20, 10), 120 x 24 logical pixels, opened and closed with the mouse; `scale` is the session's.
+void checkSelectList(float scale) {
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    const auto px = [&](float logical) { return static_cast<int>(logical * scale); };
     HttpServer server;
     server.serveHtml("/",
                      "<!doctype html><style>html,body{margin:0;background:#fff}select{position:absolute;left:20px;"
                      "top:10px;width:120px;height:24px}option{background:#00ff00;color:#00ff00}</style><select>"
                      "<option>a<option>b<option>c<option>d</select>");
-    GameHost game;
+    GameHost game({.clientWidth = px(320), .clientHeight = px(200)});
+    ASSERT_FLOAT_EQ(ZEMO::UI::getWindowScale(game.window), scale) << "the session's scale";
     ClientView view(game, server.url("/"));
-    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(300, 190) == 0xFFFFFFFFu; }));
+    ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(px(300), px(190)) == 0xFFFFFFFFu; }));
     ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
     ASSERT_EQ(areaOf(game.frames, 0xFF00FF00u), FrameRect{});
     view.click(60, 20);
-    ASSERT_TRUE(game.waitFor("the open list", [&] { return areaOf(game.frames, 0xFF00FF00u).height > 20; }));
+    ASSERT_TRUE(game.waitFor("the open list", [&] { return areaOf(game.frames, 0xFF00FF00u).height > px(20); }));
     const FrameRect list = areaOf(game.frames, 0xFF00FF00u);
-    EXPECT_GE(list.x, 20);
-    EXPECT_LE(list.x + list.width, 141);
-    EXPECT_GE(list.y, 34) << "below its field";
+    // As wide as its field but for a border.
+    EXPECT_GE(list.x, px(20));
+    EXPECT_LE(list.x, px(23));
+    EXPECT_LE(list.x + list.width, px(140) + 1);
+    EXPECT_GE(list.x + list.width, px(137));
+    EXPECT_GE(list.y, px(34)) << "below its field";
+    EXPECT_LE(list.y, px(64)) << "the first entry is highlighted and has another colour";
     EXPECT_TRUE(game.frames.replayMatches());
     view.click(280, 180);
     EXPECT_TRUE(game.waitFor("the closed list", [&] { return areaOf(game.frames, 0xFF00FF00u) == FrameRect{}; }));
     EXPECT_TRUE(game.frames.replayMatches()) << "the area under the list must be reported";
 }
 
+}  // namespace
+
+TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses) { checkSelectList(1.0f); }
+// The engine places the list in logical pixels and paints it in device pixels.
+TEST(RealClient, SelectList_ComposedWhereItOpensAndRestoredWhenItCloses_Scale150) { checkSelectList(1.5f); }
+
 TEST(RealClient, CursorOverALink_PostedToTheGamesWindowOnALayer) {
     HttpServer server;
-    server.serveHtml("/",
-                     "<!doctype html><style>body{margin:0;background:#fff}a{display:block;width:200px;height:80px}</style><a href='/x'>"
-                     "link</a>");
+    server.serveHtml(
+        "/",
+        "<!doctype html><style>body{margin:0;background:#fff}a{display:block;width:200px;height:80px}</style><a "
+        "href='/x'>"
+        "link</a>");
     GameHost game;
     ClientView view(game, server.url("/"));
     ASSERT_TRUE(game.waitFor("completion", [&] { return view.events->has("completed"); }));
@@ -72,9 +87,8 @@ TEST(RealClient, CursorOverALink_PostedToTheGamesWindowOnALayer) {
     // No layer is on the manager's list, so the message goes through to the game. The marker tells it from the
     // system's own.
     const GameMessage hand{WM_SETCURSOR, 1124, reinterpret_cast<LPARAM>(LoadCursorW(nullptr, IDC_HAND))};
-    EXPECT_TRUE(game.waitFor("the link's cursor", [&] {
-        return std::count(game.gameMessages.begin(), game.gameMessages.end(), hand) > 0;
-    }));
+    EXPECT_TRUE(game.waitFor("the link's cursor",
+                             [&] { return std::count(game.gameMessages.begin(), game.gameMessages.end(), hand) > 0; }));
     EXPECT_EQ(classCursor(game.window), before) << "a layer leaves the game's class cursor alone";
 }
 
@@ -82,9 +96,10 @@ TEST(RealClient, CursorOverALink_BecomesTheClassCursorOfAnOwnWindow) {
     HttpServer server;
     server.serveHtml("/painted", "");
     // No frame of an own window can be seen here, so the page says when its first picture is out.
-    server.serveHtml("/",
-                     "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
-                     "link</a><script>requestAnimationFrame(()=>requestAnimationFrame(()=>fetch('/painted')))</script>");
+    server.serveHtml(
+        "/",
+        "<!doctype html><style>body{margin:0}a{display:block;width:200px;height:80px}</style><a href='/x'>"
+        "link</a><script>requestAnimationFrame(()=>requestAnimationFrame(()=>fetch('/painted')))</script>");
     GameHost game;
     const HCURSOR before = classCursor(game.window);
     {
