@@ -42,6 +42,12 @@ std::unique_ptr<CefRenderImpl> chooseRenderImpl(HMODULE hookModule, uint32_t hoo
 
 CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, HMODULE hookModule, uint32_t sleepTime,
                        OsrFramePresentCallback framePresentCallback)
+    : CefHandler(viewWindow, style, closeButton, sleepTime, [&](float scale) {
+          return chooseRenderImpl(hookModule, sleepTime, std::move(framePresentCallback), scale, closeButton);
+      }) {}
+
+CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, uint32_t sleepTime,
+                       const ConsumerFactory& makeConsumer)
     : stopEvent(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       javascriptProcessor(std::make_shared<JavascriptProcessor>()),
       window(viewWindow),
@@ -49,7 +55,7 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, HMO
       hasCloseButton(closeButton),
       hookSleepTime(sleepTime),
       dpiScale(getWindowScale(viewWindow)),
-      renderImpl(chooseRenderImpl(hookModule, sleepTime, std::move(framePresentCallback), dpiScale, closeButton)) {
+      renderImpl(makeConsumer(dpiScale)) {
     ensureRenderer();
     contextMenuHandler = new CefContextualMenuHandler;
     renderThread = std::thread(&CefHandler::renderThreadMain, this);

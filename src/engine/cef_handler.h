@@ -118,6 +118,14 @@ public:
                                 const CefRange& selected_range) override;
 
 protected:
+    /// Makes the consumer of the frames for a view of this scale.
+    using ConsumerFactory = std::function<std::unique_ptr<CefRenderImpl>(float scale)>;
+    /// With a consumer of the caller's own instead of the chosen one: shows tests which calls a consumer gets.
+    CefHandler(HWND window, WindowStyle windowStyle, bool hasCloseButton, uint32_t hookSleepTime,
+               const ConsumerFactory& makeConsumer);
+    /// A local renderer of the caller's own, for tests. Any thread.
+    void setLocalRenderer(std::shared_ptr<IOsrRenderer> local) { renderer.store(std::move(local)); }
+
     HWND viewWindow() const { return window; }
     /// Posts a message to the view's window when that lives.
     void postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const;

@@ -3,10 +3,10 @@
 #include <future>
 
 #include "client/client_view.h"
+#include "client/engine_task.h"
 #include "core/process_state.h"
 #include "engine/javascript_processor.h"
 #include "include/cef_process_message.h"
-#include "include/cef_task.h"
 #include "include/cef_values.h"
 #include "layers/layer_manager.h"
 #include "support/debug_log.h"
@@ -15,25 +15,6 @@
 // The callbacks of the browser client, made with the engine's real objects on the engine's real thread.
 namespace ZEMO::Test {
 namespace {
-
-class FunctionTask : public CefTask {
-public:
-    explicit FunctionTask(std::function<void()> work) : function(std::move(work)) {}
-    void Execute() override { function(); }
-
-private:
-    std::function<void()> function;
-    IMPLEMENT_REFCOUNTING(FunctionTask);
-};
-
-bool runOnEngine(GameHost& game, std::function<void()> work) {
-    std::atomic<bool> done{false};
-    CefPostTask(TID_UI, new FunctionTask([&] {
-                    work();
-                    done = true;
-                }));
-    return game.waitFor("the engine thread", [&] { return done.load(); });
-}
 
 struct ImeEvent {
     int kind, a, b;
@@ -68,7 +49,18 @@ protected:
         });
         return answer;
     }
-    bool gameGot(UINT message) { return std::count(game.gameMessages.begin(), game.gameMessages.end(), message) > 0; }
+    /// What was posted to the game's window under this number since the last call. One post ends the wait.
+    std::vector<GameMessage> posted(UINT id) {
+        std::vector<GameMessage> found;
+        game.waitFor("the posted message", [&] {
+            std::erase_if(game.fetchedMessages, [&](const GameMessage& message) {
+                if (message.id == id) found.push_back(message);
+                return message.id == id;
+            });
+            return !found.empty();
+        });
+        return found;
+    }
 
     GameHost game;
     ClientView view;
@@ -124,6 +116,8 @@ TEST_F(Callbacks, PasswordFieldFocus_FlagWindowMessageAndImeEvent) {
         EXPECT_TRUE(receive("imePasswordFieldFocus", [&](auto list) { list->SetBool(0, focused); }));
         EXPECT_EQ(ZEMO::UI::isPasswordFieldFocused(), focused);
         EXPECT_EQ(imeEvents(), (std::vector<ImeEvent>{{3, focused ? 1 : 0, 0}}));
+        // The window's thread turns the system's text input off for the field, and on again after it.
+        EXPECT_EQ(posted(1229), (std::vector<GameMessage>{{1229, focused ? 0u : 1u, 0}})) << "focused: " << focused;
     }
     registerImeEventCallback(nullptr);
     EXPECT_TRUE(receive("imePasswordFieldFocus", [](auto list) { list->SetBool(0, true); }));
@@ -221,6 +215,60 @@ TEST_F(Callbacks, WindowGone_NoScreenInfoAndOneByOne) {
     other->close();
 }
 
+TEST_F(Callbacks, CursorOfALayerWithoutAConsumer_BecomesTheClassCursor) {
+    const auto before = GetClassLongPtrW(game.window, GCLP_HCURSOR);
+    const HCURSOR hand = LoadCursorW(nullptr, IDC_HAND);
+    ASSERT_NE(reinterpret_cast<HCURSOR>(before), hand);
+    CefRefPtr<ZEMO::UI::CefAdapter> other =
+        new ZEMO::UI::CefAdapter({}, game.window, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
+    game.fetchedMessages.clear();
+    EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
+    EXPECT_EQ(reinterpret_cast<HCURSOR>(GetClassLongPtrW(game.window, GCLP_HCURSOR)), hand);
+    EXPECT_EQ(GetCursor(), hand);
+    // A posted message would lie in front of this one.
+    PostMessageW(game.window, WM_APP, 0, 0);
+    EXPECT_EQ(posted(WM_APP).size(), 1u);
+    for (const GameMessage& message : game.fetchedMessages) {
+        EXPECT_FALSE(message.id == WM_SETCURSOR && message.wParam == 1124);
+    }
+    SetClassLongPtrW(game.window, GCLP_HCURSOR, before);
+    other->close();
+}
+
+TEST_F(Callbacks, HookModuleAndPresentCallback_TheHookGetsTheFrames) {
+    // Any module's handle will do: what is drawn through it is not looked at here.
+    CefRefPtr<ZEMO::UI::CefAdapter> other =
+        new ZEMO::UI::CefAdapter({}, game.window, ZEMO::UI::WindowStyle::Layer, false, GetModuleHandleW(nullptr), 0,
+                                 [](auto...) { ADD_FAILURE() << "the hook comes before the present callback"; });
+    const auto before = GetClassLongPtrW(game.window, GCLP_HCURSOR);
+    runOnEngine(game, [&] {
+        const uint32_t pixel = 0;
+        other->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
+    });
+    game.fetchedMessages.clear();
+    const HCURSOR hand = LoadCursorW(nullptr, IDC_HAND);
+    EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
+    EXPECT_EQ(posted(WM_SETCURSOR), (std::vector<GameMessage>{{WM_SETCURSOR, 1124, reinterpret_cast<LPARAM>(hand)}}))
+        << "a layer with a hook has an active consumer";
+    EXPECT_EQ(GetClassLongPtrW(game.window, GCLP_HCURSOR), before);
+    other->close();
+}
+
+TEST_F(Callbacks, ViewRectOfAnEmptyClientArea_OneByOne) {
+    const HWND empty = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    RECT client{};
+    ASSERT_TRUE(GetClientRect(empty, &client));
+    ASSERT_EQ(client.right, 0);
+    ASSERT_EQ(client.bottom, 0);
+    CefRefPtr<ZEMO::UI::CefAdapter> other =
+        new ZEMO::UI::CefAdapter({}, empty, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
+    CefRect rect;
+    other->GetViewRect(browser, rect);
+    EXPECT_EQ(rect, CefRect(0, 0, 1, 1));
+    other->close();
+    DestroyWindow(empty);
+}
+
 TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
     CefScreenInfo info;
     info.depth = 99;
@@ -231,6 +279,20 @@ TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
         CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width, info.available_rect.height),
         CefRect(0, 0, 320, 200));
     EXPECT_EQ(info.depth, 99) << "the other fields stay as they came";
+}
+
+TEST(ScreenInfo, LogicalPixelsOfTheViewAndItsScale_Scale150) {
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    GameHost game;
+    ClientView view(game, "data:text/html,x");
+    CefScreenInfo info;
+    ASSERT_TRUE(runOnEngine(game, [&] { EXPECT_TRUE(view.adapter->GetScreenInfo(nullptr, info)); }));
+    EXPECT_FLOAT_EQ(info.device_scale_factor, 1.5f);
+    // 320 x 200 device pixels, rounded down.
+    EXPECT_EQ(CefRect(info.rect.x, info.rect.y, info.rect.width, info.rect.height), CefRect(0, 0, 213, 133));
+    EXPECT_EQ(
+        CefRect(info.available_rect.x, info.available_rect.y, info.available_rect.width, info.available_rect.height),
+        CefRect(0, 0, 213, 133));
 }
 
 TEST_F(Callbacks, Closed_BrowserIsOutOfReachAndFramesEnd) {
@@ -245,13 +307,21 @@ TEST_F(Callbacks, Closed_BrowserIsOutOfReachAndFramesEnd) {
 }
 
 TEST_F(Callbacks, WindowGoing_NoFurtherFrameIsTaken) {
-    view.adapter->markClosing();
-    const size_t before = game.frames.frameCount();
-    runOnEngine(game, [&] {
+    size_t before = 0;
+    size_t open = 0;
+    size_t going = 0;
+    // All in one task: the engine's own paints come on this thread too, so none is under way.
+    ASSERT_TRUE(runOnEngine(game, [&] {
         const uint32_t pixel = 0;
+        before = game.frames.frameCount();
         view.adapter->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
-    });
-    EXPECT_EQ(game.frames.frameCount(), before);
+        open = game.frames.frameCount();
+        view.adapter->markClosing();
+        view.adapter->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
+        going = game.frames.frameCount();
+    }));
+    EXPECT_EQ(open, before + 1) << "a frame of an open window is taken";
+    EXPECT_EQ(going, open);
 }
 
 }  // namespace ZEMO::Test

@@ -7,20 +7,35 @@
 namespace ZEMO::Test {
 namespace {
 
-/// A press and release of the real left button at a client point of the window.
-void realClick(GameHost& game, int x, int y) {
+/// A press and release of the real left button at a client point of the window. False when they did not arrive there,
+/// as when the window has lost the foreground to another. Both have been dispatched when this returns.
+bool realClick(GameHost& game, int x, int y) {
     POINT point{x, y};
     ClientToScreen(game.window, &point);
     SetForegroundWindow(game.window);
-    game.pass(50ms);
+    if (!game.waitFor("the foreground", [&] { return GetForegroundWindow() == game.window; })) return false;
     SetCursorPos(point.x, point.y);
-    game.pass(50ms);
+    if (!game.waitFor("the cursor", [&] {
+            POINT now{};
+            return GetCursorPos(&now) && now.x == point.x && now.y == point.y;
+        })) {
+        return false;
+    }
+    game.pass(50ms);  // the display server hears of the cursor's move by another way than of the press
+    game.fetchedMessages.clear();
     INPUT inputs[2]{};
     inputs[0].type = inputs[1].type = INPUT_MOUSE;
     inputs[0].mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
     inputs[1].mi.dwFlags = MOUSEEVENTF_LEFTUP;
     SendInput(2, inputs, sizeof(INPUT));
-    game.pass(150ms);
+    const auto arrived = [&](UINT first, UINT second) {
+        for (const GameMessage& message : game.fetchedMessages) {
+            if ((message.id == first || message.id == second) && message.lParam == MAKELPARAM(x, y)) return true;
+        }
+        return false;
+    };
+    return game.waitFor("the press", [&] { return arrived(WM_LBUTTONDOWN, WM_LBUTTONDBLCLK); }) &&
+           game.waitFor("the release", [&] { return arrived(WM_LBUTTONUP, WM_LBUTTONUP); });
 }
 
 void checkCloseButton(float scale) {
@@ -38,16 +53,16 @@ void checkCloseButton(float scale) {
     const int x = width - static_cast<int>(38 * scale);
     const int y = static_cast<int>(38 * scale);
     ASSERT_TRUE(game.waitFor("the request", [&] { return server.requestCount("/") == 1; }));
-    realClick(game, x, y);
+    ASSERT_TRUE(realClick(game, x, y));
     EXPECT_FALSE(events.has("closeRequested")) << "there is no button before the first completed load";
     ASSERT_FALSE(events.has("completed")) << "the page was meant to take longer";
     ASSERT_TRUE(game.waitFor("completion", [&] { return events.has("completed"); }));
     ASSERT_TRUE(game.waitFor("the icon in the frame", [&] {
         return game.frames.pixel(x, y) != 0xFF223344u && game.frames.pixel(9, 9) == 0xFF223344u;
     }));
-    realClick(game, width - static_cast<int>(62 * scale), y);
+    ASSERT_TRUE(realClick(game, width - static_cast<int>(62 * scale), y));
     EXPECT_FALSE(events.has("closeRequested")) << "beside the button";
-    realClick(game, x, y);
+    ASSERT_TRUE(realClick(game, x, y));
     EXPECT_TRUE(game.waitFor("the close request", [&] { return events.has("closeRequested"); }));
     EXPECT_EQ(events.count("closeRequested"), 1u);
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <format>
+#include <stop_token>
+#include <thread>
 
 #include "engine/game_host.h"
 #include "support/http_server.h"
@@ -106,24 +108,34 @@ TEST(Frames, StillPage_EmptyRectanglesGoOnAndWholeFramesComeAtMostEveryTwoSecond
     ASSERT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(10, 10) == 0xFF123456u; }));
     game.pass(1s);
     game.frames.forgetFrames();
-    constexpr auto kWatched = 6s;
-    game.pass(kWatched);
-    size_t whole = 0;
+    // A thread of the test's own counts the cycles that this machine grants just now.
+    size_t cycles = 0;
+    std::jthread clock([&](const std::stop_token& stop) {
+        for (; !stop.stop_requested(); ++cycles) Sleep(100);
+    });
+    game.pass(6s);
+    clock.request_stop();
+    clock.join();
     size_t empty = 0;
     size_t other = 0;
+    std::vector<std::chrono::steady_clock::time_point> whole;
     for (const Frame& frame : game.frames.frames()) {
         if (frame.wholeFrame()) {
-            ++whole;
+            whole.push_back(frame.at);
         } else if (frame.dirty == FrameRect{}) {
             ++empty;
         } else {
             ++other;
         }
     }
-    EXPECT_GE(empty, 10u) << "the callback must keep running on a still page";
-    EXPECT_GE(whole, 1u) << "a consumer that lost its copy must get a whole frame";
-    EXPECT_LE(whole, 4u) << "at most one whole frame in two seconds";
+    // The paint of one cycle's refresh is younger than a cycle when the next one looks, and so makes that one pass:
+    // every second refreshes, on a busy machine every third.
+    EXPECT_GE(3 * (empty + whole.size()), cycles) << "the callback must keep running on a still page";
     EXPECT_EQ(other, 0u);
+    ASSERT_GE(whole.size(), 2u) << "a consumer that lost its copy must get a whole frame";
+    // The frames are asked for two seconds apart at least; the engine delivers one a little later than another.
+    constexpr auto kDelivery = 700ms;
+    EXPECT_GE(whole.back() - whole.front() + kDelivery, (whole.size() - 1) * 2s) << whole.size() << " whole frames";
 }
 
 TEST(Frames, WindowResized_WholeFrameOfTheNewSize) {
@@ -184,7 +196,7 @@ TEST(Frames, CloseAndShowAgain_SamePageWithoutALoad) {
     EXPECT_EQ(events.count("starting"), 1u);
 }
 
-TEST(Frames, AnimatedPage_CloseToThirtyFramesASecond) {
+TEST(Frames, AnimatedPage_NoMoreThanThirtyFramesASecond) {
     HttpServer server;
     server.serveHtml(
         "/",
@@ -196,13 +208,17 @@ TEST(Frames, AnimatedPage_CloseToThirtyFramesASecond) {
     auto view = game.makeView(server.url("/"), events);
     view->show();
     ASSERT_TRUE(game.waitFor("frames", [&] { return game.frames.frameCount() > 20; }));
-    // No rate is asserted as a time: the engine paces itself, and the machine is shared. Each frame moves the block, so
+    // How many come of those asked for depends on the machine, but there are never more. Each frame moves the block, so
     // each must report a change.
     size_t changed = 0;
     game.frames.forgetFrames();
-    ASSERT_TRUE(game.waitFor("60 more frames", [&] { return game.frames.frameCount() > 60; }));
-    for (const Frame& frame : game.frames.frames()) changed += frame.dirty.width > 0;
-    EXPECT_GE(changed, 50u);
+    ASSERT_TRUE(game.waitFor("90 more frames", [&] { return game.frames.frameCount() > 90; }));
+    const std::vector<Frame> frames = game.frames.frames();
+    for (const Frame& frame : frames) changed += frame.dirty.width > 0;
+    EXPECT_GE(changed, frames.size() * 5 / 6);
+    const std::chrono::duration<double> span = frames.back().at - frames.front().at;
+    // Some of those that wait for the busy engine thread come at once.
+    EXPECT_LE(static_cast<double>(frames.size() - 1), 30 * 1.1 * span.count() + 5) << "in " << span.count() << " s";
     EXPECT_TRUE(game.frames.replayMatches());
 }
 

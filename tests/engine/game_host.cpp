@@ -53,7 +53,7 @@ ZEMO::UI::OsrFramePresentCallback FrameRecorder::callback() {
 void FrameRecorder::take(const void* pixels, int width, int height, FrameRect dirty) {
     {
         const std::lock_guard lock(mutex);
-        calls.push_back({width, height, dirty, pixels == nullptr});
+        calls.push_back({width, height, dirty, pixels == nullptr, std::chrono::steady_clock::now()});
         if (pixels) {
             const auto* source = static_cast<const uint32_t*>(pixels);
             if (imageWidth != width || imageHeight != height) {
@@ -164,7 +164,7 @@ std::shared_ptr<ZEMO::UI::IZEMOWebContent> addressItem(const std::string& addres
 
 LRESULT CALLBACK GameHost::windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (auto* host = reinterpret_cast<GameHost*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA))) {
-        host->gameMessages.push_back(message);
+        host->gameMessages.push_back({message, wParam, lParam});
     }
     if (message == WM_PAINT) {
         ValidateRect(hwnd, nullptr);
@@ -221,22 +221,24 @@ bool GameHost::waitFor(const char* what, const std::function<bool()>& done, std:
             return false;
         }
         MsgWaitForMultipleObjects(1, &wake, FALSE, 20, QS_ALLINPUT);
-        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
+        dispatchWaiting();
     }
     return true;
+}
+
+void GameHost::dispatchWaiting() {
+    for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+        if (message.hwnd == window) fetchedMessages.push_back({message.message, message.wParam, message.lParam});
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
 }
 
 void GameHost::pass(std::chrono::milliseconds span) {
     const auto end = std::chrono::steady_clock::now() + span;
     while (std::chrono::steady_clock::now() < end) {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
+        dispatchWaiting();
     }
 }
 

@@ -30,6 +30,7 @@ struct Frame {
     int width = 0, height = 0;
     FrameRect dirty;
     bool cleared = false;  ///< the null call: nothing to show any more
+    std::chrono::steady_clock::time_point at{};
     bool wholeFrame() const { return dirty == FrameRect{0, 0, width, height}; }
 };
 
@@ -85,6 +86,13 @@ private:
 /// A content item that is just an address (kind 0), as a game writes it.
 std::shared_ptr<ZEMO::UI::IZEMOWebContent> addressItem(const std::string& address);
 
+struct GameMessage {
+    UINT id = 0;
+    WPARAM wParam = 0;
+    LPARAM lParam = 0;
+    friend bool operator==(const GameMessage&, const GameMessage&) = default;
+};
+
 /// A game's side of the library: a visible main window on this thread, the started library, and waits that keep the
 /// window's messages going. One for each test process. Destroys its window last.
 class GameHost {
@@ -112,9 +120,13 @@ public:
     HWND window = nullptr;
     FrameRecorder frames;
     /// Messages that reached the game's own window procedure.
-    std::vector<UINT> gameMessages;
+    std::vector<GameMessage> gameMessages;
+    /// Messages for the game's window that its loop fetched: what was posted and what the user did, also when the
+    /// library then keeps it from the game's procedure.
+    std::vector<GameMessage> fetchedMessages;
 
 private:
+    void dispatchWaiting();
     static LRESULT CALLBACK windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>> delegates;
 };
