@@ -72,6 +72,7 @@ Core::UniqueCursor CustomCursorLoader::loadCandidate(const std::wstring& path, i
     if (extension == L".png") return pngToCursor(path);
     return {};
 }
+
 HCURSOR CustomCursorLoader::load() {
     const std::map<std::wstring, int> candidates = {
         {L"resources/customcursor.cur", 0}, {L"resources/customcursor.ico", 0}, {L"resources/customcursor.png", 0}};
