@@ -221,7 +221,10 @@ TEST_F(LayerManager, MessagesDispatchedOnTwoThreads_HandlersNeverRunTogether) {
     };
     const auto work = [&](UINT number) {
         LRESULT r = 0;
-        while (done[0] < kVisits || done[1] < kVisits) manager.dispatchMessage(&r, nullptr, kProbe + number, 0, 0);
+        while (done[0] < kVisits || done[1] < kVisits) {
+            manager.dispatchMessage(&r, nullptr, kProbe + number, 0, 0);
+            Sleep(1);  // lets the other one have the lock
+        }
     };
     std::thread other(work, 1);
     work(0);
@@ -246,11 +249,15 @@ TEST_F(LayerManager, ImeCommandsAndChangesOfTheList_NeverRunTogether) {
     }
     const auto enough = [&] { return commands >= kVisits && changes >= kVisits; };
     std::thread ime([&] {
-        while (!enough()) manager.setImeProcess(1, nullptr, nullptr, nullptr);
+        while (!enough()) {
+            manager.setImeProcess(1, nullptr, nullptr, nullptr);
+            Sleep(1);  // lets the other one have the lock
+        }
     });
     while (!enough()) {
         manager.addLayer(b);
         manager.removeLayer(b);
+        Sleep(1);
     }
     ime.join();
     EXPECT_FALSE(layers.together);

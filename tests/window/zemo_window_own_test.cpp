@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -191,18 +192,37 @@ TEST_F(ZemoWindowOwn, SteamDeck_MakesTheClassBackgroundBlack) {
     EXPECT_EQ(description.lbColor, 0u);
 }
 
-/// The class is registered anew in a working directory of the test's: its icon is looked for there.
+// Where the system looks for a relative name differs, and the library's own icon may lie there: the file to be read
+// instead is named here, the rest of the call goes on as it came.
+std::wstring iconFile;
+struct IconCall {
+    HINSTANCE module;
+    std::wstring name;
+    UINT type;
+    int width, height;
+    UINT flags;
+};
+std::optional<IconCall> iconCall;
+HANDLE WINAPI redirectedLoadImage(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
+    static const auto system = ZEMO::Test::systemFunction<decltype(LoadImageW)>(L"user32.dll", "LoadImageW");
+    if (!IS_INTRESOURCE(name) && std::wstring_view(name).ends_with(L"zemowindow.ico")) {
+        iconCall = {module, name, type, width, height, flags};
+        name = iconFile.c_str();
+    }
+    return system(module, name, type, width, height, flags);
+}
+
+/// The class is registered anew, with an icon file of the test's or without one.
 class ZemoWindowOwnClass : public ZemoWindowOwn {
 protected:
     ZemoWindowOwnClass() {
         forgetClass();
-        before = std::filesystem::current_path();
-        std::filesystem::current_path(directory.path());
+        iconCall.reset();
+        iconFile = (directory.path() / "window.ico").wstring();
     }
     ~ZemoWindowOwnClass() override {
         closeAll();
         forgetClass();
-        std::filesystem::current_path(before);
     }
     static void forgetClass() {
         EXPECT_TRUE(UnregisterClassW(L"ZEMOExtraWindowClass", GetModuleHandleW(nullptr)) ||
@@ -210,12 +230,23 @@ protected:
     }
 
     ZEMO::Test::ScratchDirectory directory;
-    std::filesystem::path before;
+    ZEMO::Test::ImportReplaced replaced{"LoadImageW", redirectedLoadImage};
 };
 
-TEST_F(ZemoWindowOwnClass, IconFileInTheWorkingDirectory_IsTheLargeAndTheSmallIcon) {
+TEST_F(ZemoWindowOwnClass, Registered_IconIsAskedForByItsRelativeName) {
+    make();
+    ASSERT_TRUE(iconCall);
+    EXPECT_EQ(iconCall->module, nullptr);
+    EXPECT_EQ(iconCall->name, L"resources/zemowindow.ico");
+    EXPECT_EQ(iconCall->type, static_cast<UINT>(IMAGE_ICON));
+    EXPECT_EQ(iconCall->width, 0);
+    EXPECT_EQ(iconCall->height, 0);
+    EXPECT_EQ(iconCall->flags, static_cast<UINT>(LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED));
+}
+
+TEST_F(ZemoWindowOwnClass, IconFile_IsTheLargeAndTheSmallIcon) {
     const auto orange = [](int, int) { return 0xFFFF8040u; };
-    directory.write(L"resources/zemowindow.ico", ZEMO::Test::makeCursorFile(1, {{32, 32, orange}}));
+    directory.write(L"window.ico", ZEMO::Test::makeCursorFile(1, {{32, 32, orange}}));
     make();
     const auto icon = reinterpret_cast<HICON>(GetClassLongPtrW(window, GCLP_HICON));
     EXPECT_EQ(reinterpret_cast<HICON>(GetClassLongPtrW(window, GCLP_HICONSM)), icon);
@@ -258,8 +289,8 @@ HWND WINAPI watchedCreateWindow(DWORD exStyle, LPCWSTR name, LPCWSTR title, DWOR
 
 TEST_F(ZemoWindowOwn, SizeOfAnyTwoNumbers_WindowStandsAndAnswers) {
     const float scale = getWindowScale(nullptr);
-    for (const Size size : {Size{INT_MAX, INT_MAX}, Size{0, 0}, Size{-1, -1}, Size{INT_MIN, INT_MIN}, Size{INT_MIN, 300},
-                            Size{400, INT_MAX}}) {
+    for (const Size size : {Size{INT_MAX, INT_MAX}, Size{0, 0}, Size{-1, -1}, Size{INT_MIN, INT_MIN},
+                            Size{INT_MIN, 300}, Size{400, INT_MAX}}) {
         SCOPED_TRACE(text("%d, %d", size.width, size.height));
         const ZEMO::Test::ImportReplaced replaced("CreateWindowExW", watchedCreateWindow);
         make({.size = size});
@@ -559,8 +590,7 @@ TEST_F(ZemoWindowOwn, ResizedAcrossTheThreshold_ButtonTakesItsOtherSize) {
         RECT client{};
         GetClientRect(window, &client);
         const CursorAt at(onScreen({client.right - one.fromRight, one.fromTop}));
-        EXPECT_EQ(send(WM_LBUTTONDOWN, MK_LBUTTON, kAt).calls,
-                  Lines{one.hit ? "clicked" : "onMouseButton(0,0,11,22)"});
+        EXPECT_EQ(send(WM_LBUTTONDOWN, MK_LBUTTON, kAt).calls, Lines{one.hit ? "clicked" : "onMouseButton(0,0,11,22)"});
     }
 }
 
