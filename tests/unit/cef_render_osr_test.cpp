@@ -14,15 +14,24 @@ constexpr int kHeight = 120;
 
 int64_t fakeNow = 0;
 
-/// A view that was made at time 0 of a clock that only the test moves.
-class RenderOsr : public testing::Test {
-protected:
-    RenderOsr() {
+/// A clock that only the test moves, at 0.
+class FakeClock {
+public:
+    FakeClock() {
         fakeNow = 0;
         renderClock = [] { return fakeNow; };
     }
-    ~RenderOsr() override { renderClock = systemClock; }
+    ~FakeClock() { renderClock = systemClock; }
+    FakeClock(const FakeClock&) = delete;
+    FakeClock& operator=(const FakeClock&) = delete;
 
+private:
+    int64_t (*const systemClock)() = renderClock;
+};
+
+/// A view that was made at time 0.
+class RenderOsr : public testing::Test {
+protected:
     bool paint(CefRenderOSR& osr, PaintElementType type = PET_VIEW, bool drawCloseButton = false) {
         return osr.paint(drawCloseButton, nullptr, type, {}, page.data(), kWidth, kHeight);
     }
@@ -43,7 +52,7 @@ protected:
         EXPECT_TRUE(osr.needsRepaint());
     }
 
-    int64_t (*const systemClock)() = renderClock;
+    const FakeClock clock;  // before the view
     Pixels page = Pixels(static_cast<size_t>(kWidth) * kHeight, 0xFF336699);
     Consumer consumer;
     CefRenderOSR osr{consumer.sink(), 1.0f, false};
