@@ -328,6 +328,8 @@ TEST_F(ZemoWindowOwn, SystemScaleOfOneAndAHalf_DeviceSizeIsOneAndAHalfTimesTheLo
 
 // --- a constructor that fails ---
 
+#ifdef __MINGW32__
+
 int __cdecl failingStat(const wchar_t* path, struct _stat64* result) {
     static const auto system = ZEMO::Test::systemFunction<decltype(_wstat64)>(L"ucrtbase.dll", "_wstat64");
     if (!std::wstring_view(path).ends_with(L"customcursor.cur")) return system(path, result);
@@ -349,6 +351,8 @@ TEST_F(ZemoWindowOwn, CursorLoaderThatThrowsOnTheWindowsThread_ConstructorThrows
     make(options);
     EXPECT_EQ(FindWindowW(L"ZEMOExtraWindowClass", L"a window that must not stay"), window);
 }
+
+#endif
 
 TEST_F(ZemoWindowOwn, CursorFileBesideTheLibrary_IsLoadedBeforeTheConstructorReturns) {
     const CursorFileBesideTheProgram file;
