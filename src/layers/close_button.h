@@ -48,6 +48,8 @@ private:
     int32_t size = 0;
     int32_t margin;
     int32_t scaledWidthThreshold;
+
+protected:
     int32_t sizeWide;
     int32_t sizeNarrow;
 };

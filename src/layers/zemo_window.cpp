@@ -35,7 +35,7 @@ ZEMOWindow::~ZEMOWindow() {
 
 void ZEMOWindow::createCloseButton(std::function<void()> callback) {
     if (closeButton) return;
-    auto button = std::make_unique<XButton>(window);
+    std::unique_ptr<IXbtn> button = makeCloseButton();
     RECT client{};
     GetClientRect(window, &client);
     button->onResize(client);

@@ -64,6 +64,9 @@ public:
     void setSteamOverlayActive(bool active) override { steamOverlayActive = active; }
 
 protected:
+    /// The button that createCloseButton puts up; a derived class may bring one of its own kind.
+    virtual std::unique_ptr<IXbtn> makeCloseButton() const { return std::make_unique<XButton>(window); }
+
     /// Hands over the child view window of the Steam Deck variant with its handle. On the window's thread, before the
     /// constructor returns.
     void setViewChild(std::shared_ptr<ZEMOExtraWindowForSteamdeck> child, HWND childWindow);

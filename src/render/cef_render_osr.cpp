@@ -21,11 +21,13 @@ int64_t steadyNow() {
 
 }  // namespace
 
+int64_t (*renderClock)() = steadyNow;
+
 CefRenderOSR::CefRenderOSR(Present framePresentCallback, float scale, bool hasCloseButton)
     : hasCallback(static_cast<bool>(framePresentCallback)),
       compositor(std::move(framePresentCallback)),
-      lastFullFrameTime(steadyNow()),
-      lastPaintTime(steadyNow()) {
+      lastFullFrameTime(renderClock()),
+      lastPaintTime(renderClock()) {
     if (hasCallback && hasCloseButton) {
         compositor.setCloseMetrics(logicalToDevice(kCloseSize, scale), logicalToDevice(kCloseMargin, scale));
     }
@@ -36,7 +38,7 @@ CefRenderOSR::CefRenderOSR(Present framePresentCallback, float scale, bool hasCl
 bool CefRenderOSR::needsRepaint() {
     if (!isActive()) return false;
     if (firstPaintPending.exchange(false)) return true;
-    const int64_t now = steadyNow();
+    const int64_t now = renderClock();
     if (now - lastPaintTime < kQuietNs) return false;  // the engine paints by itself
     if (now - lastFullFrameTime < kFullFrameNs) return true;
     // A consumer that lost its copy recovers from the whole frame that the next paint hands out.
@@ -52,7 +54,7 @@ void CefRenderOSR::clearFrame() {
 
 bool CefRenderOSR::paint(bool drawCloseButton, CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
                          const RectList& /*dirtyRects*/, const void* buffer, int width, int height) {
-    lastPaintTime = steadyNow();
+    lastPaintTime = renderClock();
     switch (type) {
         case PET_VIEW:
             compositor.paintView(drawCloseButton, buffer, width, height);

@@ -9,6 +9,9 @@
 
 namespace ZEMO::UI {
 
+/// The clock of needsRepaint: steady-clock nanoseconds. A variable, so that tests need not wait for time to pass.
+extern int64_t (*renderClock)();
+
 /// Hands finished frames to the game's present callback: the view with popup and close button composed in, and the
 /// rectangle that changed. Frames come on the engine thread, and the callback runs there; the render thread asks
 /// needsRepaint.

@@ -57,7 +57,9 @@ HANDLE loadFromFile(const std::wstring& path, UINT type, int size) {
     return LoadImageW(GetModuleHandleW(nullptr), path.c_str(), type, size, size, LR_LOADFROMFILE);
 }
 
-Core::UniqueCursor loadCandidate(const std::wstring& path, int size) {
+}  // namespace
+
+Core::UniqueCursor CustomCursorLoader::loadCandidate(const std::wstring& path, int size) {
     const fs::path extension = fs::path(path).extension();
     if (!fileExists(path)) return {};
     if (extension == L".cur" && validateDirectory(path, size, kCursorFileType)) {
@@ -70,8 +72,6 @@ Core::UniqueCursor loadCandidate(const std::wstring& path, int size) {
     if (extension == L".png") return pngToCursor(path);
     return {};
 }
-
-}  // namespace
 
 HCURSOR CustomCursorLoader::load() {
     const std::map<std::wstring, int> candidates = {

@@ -20,6 +20,10 @@ public:
     /// the system cannot tell whether a candidate exists.
     HCURSOR load();
 
+    /// One candidate: what the file is stands in its extension, compared exactly. Null when it is missing, broken or of
+    /// another kind. `size` 0 takes any.
+    static Core::UniqueCursor loadCandidate(const std::wstring& path, int size);
+
 private:
     std::wstring baseDirectory;
     Core::UniqueCursor cursor;

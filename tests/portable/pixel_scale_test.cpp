@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <limits>
 
 namespace ZEMO::UI {
@@ -41,6 +42,34 @@ TEST(PixelScale, ValuesBeyondAnInt_TakeItsNearestEnd) {
     EXPECT_EQ(truncateToInt(std::numeric_limits<float>::quiet_NaN()), 0);
     EXPECT_EQ(truncateToInt(-2.9f), -2);
     EXPECT_EQ(truncateToInt(2.9f), 2);
+}
+
+TEST(PixelScale, LargestInt_StaysTheLargest) {
+    for (const float scale : {1.0f, 1.25f, 3.0f, 1e9f}) EXPECT_EQ(logicalToDevice(INT_MAX, scale), INT_MAX) << scale;
+    for (const float scale : {1.0f, 0.5f, 1e-9f}) EXPECT_EQ(deviceToLogical(INT_MAX, scale), INT_MAX) << scale;
+}
+
+TEST(PixelScale, SmallestInt_StaysTheSmallest) {
+    for (const float scale : {1.0f, 1.25f, 3.0f, 1e9f}) EXPECT_EQ(logicalToDevice(INT_MIN, scale), INT_MIN) << scale;
+    for (const float scale : {1.0f, 0.5f, 1e-9f}) EXPECT_EQ(deviceToLogical(INT_MIN, scale), INT_MIN) << scale;
+}
+
+TEST(PixelScale, JustWithinAnInt_NotCut) {
+    EXPECT_EQ(logicalToDevice(1'073'741'760, 2.0f), 2'147'483'520);
+    EXPECT_EQ(logicalToDevice(1'073'741'824, 2.0f), INT_MAX);
+    EXPECT_EQ(logicalToDevice(-1'073'741'824, 2.0f), INT_MIN);
+    EXPECT_EQ(deviceToLogical(INT_MAX, 2.0f), 1'073'741'824);
+}
+
+TEST(PixelScale, Zero_StaysZero) {
+    EXPECT_EQ(logicalToDevice(0, 1.5f), 0);
+    EXPECT_EQ(deviceToLogical(0, 1.5f), 0);
+}
+
+TEST(PixelScale, RectBeyondAnInt_EachFieldByItself) {
+    Rect out;
+    logicalToDeviceRect(out, Rect{INT_MIN, 10, INT_MAX, 7}, 1.5f);
+    EXPECT_EQ(out, (Rect{INT_MIN, 15, INT_MAX, 10}));
 }
 
 }  // namespace ZEMO::UI

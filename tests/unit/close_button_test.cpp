@@ -34,6 +34,11 @@ RECT hitArea(XButton& button, const RECT& client = kClient) {
     return area;
 }
 
+/// The narrow button is smaller than the wide one, so that the choice between them shows.
+struct TwoSizes : XButton {
+    explicit TwoSizes(float scale) : XButton(scale) { sizeNarrow = logicalToDevice(24, scale); }
+};
+
 }  // namespace
 
 TEST(XButton, EachScale_HitAreaInDevicePixels) {
@@ -70,6 +75,35 @@ TEST(XButton, NarrowWindow_SameSizeAtTheThresholdAndBelow) {
         const RECT area = hitArea(button, client);
         const RECT expected{width - 56, 20, width - 20, 56};
         EXPECT_TRUE(EqualRect(&area, &expected)) << width;
+    }
+}
+
+TEST(XButton, SizesThatDiffer_WideAboveTheScaledThresholdOnly) {
+    const struct {
+        float scale;
+        LONG left, right;
+        LONG side;
+    } cases[] = {{1.0f, 0, 898, 36},   {1.0f, 0, 897, 24},  {1.0f, 0, 300, 24},  {1.0f, 100, 998, 36},
+                 {1.0f, 100, 997, 24}, {2.0f, 0, 1795, 72}, {2.0f, 0, 1794, 48}, {2.0f, 0, 898, 48},
+                 {1.5f, 0, 1346, 54},  {1.5f, 0, 1345, 36}};
+    for (const auto& one : cases) {
+        TwoSizes button(one.scale);
+        const RECT client{one.left, 0, one.right, 600};
+        button.onResize(client);
+        const RECT area = hitArea(button, client);
+        EXPECT_EQ(area.right - area.left, one.side) << one.scale << ", " << one.right - one.left;
+        EXPECT_EQ(area.bottom - area.top, one.side) << one.scale << ", " << one.right - one.left;
+    }
+    EXPECT_EQ(std::size(cases), 10u);
+}
+
+TEST(XButton, ResizedAcrossTheThreshold_FollowsEachTime) {
+    TwoSizes button(1.0f);
+    for (const LONG width : {898L, 897L, 898L}) {
+        const RECT client{0, 0, width, 600};
+        button.onResize(client);
+        const RECT area = hitArea(button, client);
+        EXPECT_EQ(area.right - area.left, width == 898 ? 36 : 24) << width;
     }
 }
 

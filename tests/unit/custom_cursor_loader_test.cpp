@@ -1,7 +1,10 @@
 #include "render/custom_cursor_loader.h"
 
 #include <gtest/gtest.h>
+#include <io.h>
+#include <sys/stat.h>
 
+#include <cerrno>
 #include <functional>
 #include <optional>
 #include <thread>
@@ -9,6 +12,7 @@
 #include "core/geometry.h"
 #include "core/module_paths.h"
 #include "support/image_bytes.h"
+#include "support/import_replaced.h"
 #include "support/scratch_directory.h"
 
 namespace ZEMO::UI {
@@ -147,13 +151,83 @@ TEST_F(CustomCursor, PngSizes_SixteenTo256OnEachSide) {
     EXPECT_EQ(std::size(cases), 12u);
 }
 
-TEST_F(CustomCursor, ExtensionInUpperCase_NotRecognised) {
-    // The names of the candidates are fixed, so an extension in upper case is never one of them: where names are
-    // compared without regard to case it is the candidate of the lower case name that is found.
-    directory.write(L"resources/other.CUR", goodCur());
-    directory.write(L"resources/customcursor.CURSOR", goodCur());
-    EXPECT_EQ(loader.load(), nullptr);
+TEST_F(CustomCursor, ExtensionNotExactlyAsNamed_NotRecognised) {
+    const struct {
+        const wchar_t* name;
+        Bytes bytes;
+        bool taken;
+    } cases[] = {{L"a.cur", goodCur(), true},      {L"b.CUR", goodCur(), false},    {L"c.Cur", goodCur(), false},
+                 {L"d.ico", goodIco(), true},      {L"e.ICO", goodIco(), false},    {L"f.png", goodPng(), true},
+                 {L"g.PNG", goodPng(), false},     {L"h.cursor", goodCur(), false}, {L"i", goodCur(), false},
+                 {L"j.cur.bak", goodCur(), false}, {L"k.PNG.cur", goodCur(), true}};
+    for (const auto& one : cases) {
+        const auto file = directory.write(one.name, one.bytes);
+        EXPECT_EQ(describe(CustomCursorLoader::loadCandidate(file.wstring(), 0).get()).has_value(), one.taken) << file;
+    }
+    EXPECT_EQ(std::size(cases), 11u);
 }
+
+TEST_F(CustomCursor, SizeAskedFor_MustBeInTheDirectoryOfTheFile) {
+    const std::wstring cur = directory.write(L"a.cur", goodCur()).wstring();
+    const std::wstring ico = directory.write(L"a.ico", goodIco()).wstring();
+    EXPECT_TRUE(CustomCursorLoader::loadCandidate(cur, 32));
+    EXPECT_FALSE(CustomCursorLoader::loadCandidate(cur, 24));
+    EXPECT_TRUE(CustomCursorLoader::loadCandidate(ico, 24));
+    EXPECT_FALSE(CustomCursorLoader::loadCandidate(ico, 32));
+}
+
+// A status error other than a missing path and a read error can't be made with real files everywhere: Wine tells of any
+// failed status as of a missing path and does not keep a locked part of a file from being read. So the calls of the C
+// runtime that ask for them are answered here, for the files in question only.
+#ifdef __MINGW32__
+
+std::wstring statusFails;
+decltype(_wstat64)* systemStat = nullptr;
+int __cdecl failingStat(const wchar_t* path, struct _stat64* result) {
+    if (path != statusFails) return systemStat(path, result);
+    errno = EACCES;
+    return -1;
+}
+
+TEST_F(CustomCursor, StatusThatCannotBeTold_ThrowsExists) {
+    directory.write(kCur, goodCur());
+    directory.write(kIco, goodIco());
+    systemStat = ZEMO::Test::systemFunction<decltype(_wstat64)>(L"ucrtbase.dll", "_wstat64");
+    statusFails = directory.path().wstring() + L"\\" + kIco;
+    const ZEMO::Test::ImportReplaced replaced("_wstat64", failingStat);
+    EXPECT_EQ(loadedSize(), (Size{32, 32}));  // never came to the second candidate
+    std::filesystem::remove(directory.path() / kCur);
+    try {
+        loader.load();
+        ADD_FAILURE() << "did not throw";
+    } catch (const std::filesystem::filesystem_error& error) {
+        EXPECT_NE(std::string(error.what()).find("exists"), std::string::npos) << error.what();
+        EXPECT_EQ(error.code(), std::errc::permission_denied);
+        EXPECT_EQ(error.path1(), statusFails);
+    }
+}
+
+int readsToFail = 0;
+decltype(_read)* systemRead = nullptr;
+int __cdecl failingRead(int file, void* to, unsigned size) {
+    if (readsToFail == 0) return systemRead(file, to, size);
+    --readsToFail;
+    errno = EIO;
+    return -1;
+}
+
+TEST_F(CustomCursor, CandidateThatCannotBeRead_CountsAsEmptyAndTheNextIsTried) {
+    systemRead = ZEMO::Test::systemFunction<decltype(_read)>(L"ucrtbase.dll", "_read");
+    const ZEMO::Test::ImportReplaced replaced("_read", failingRead);
+    directory.write(kCur, goodCur());
+    directory.write(kIco, goodIco());
+    readsToFail = 1;
+    EXPECT_EQ(loadedSize(), (Size{24, 24}));
+    EXPECT_EQ(readsToFail, 0);
+    EXPECT_EQ(loadedSize(), (Size{32, 32}));
+}
+
+#endif
 
 TEST_F(CustomCursor, DirectoryWithTheNameOfACandidate_PassedOver) {
     std::filesystem::create_directories(directory.path() / kCur);

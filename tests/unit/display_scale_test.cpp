@@ -4,11 +4,14 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "core/unique_handle.h"
+#include "layers/close_button.h"
+#include "support/import_replaced.h"
 
 // The awareness of a process is remembered from the first question on, so each state needs a process of its own: every
 // test starts this program again with the name of a probe in its environment. The probe runs there before main, prints
@@ -70,6 +73,64 @@ void probeScale(int awareness) {
     check(getWindowScale(window.get()) == expected, "window's scale");
 }
 
+// Windows of several scales need monitors of several scales, so the answers of GetDpiForWindow (looked up by its name)
+// are the test's here. 0 stands for a window that the system does not know.
+UINT dpiOfWindows = 0;
+HWND askedFor = nullptr;
+UINT WINAPI fakeDpiForWindow(HWND window) {
+    askedFor = window;
+    return dpiOfWindows;
+}
+
+const auto systemGetProcAddress =
+    ZEMO::Test::systemFunction<decltype(GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
+bool hasGetDpiForWindow = true;
+FARPROC WINAPI getProcAddressWithFakeDpi(HMODULE module, const char* name) {
+    if (reinterpret_cast<ULONG_PTR>(name) < 0x10000 || std::strcmp(name, "GetDpiForWindow") != 0)
+        return systemGetProcAddress(module, name);
+    check(module == GetModuleHandleW(L"user32.dll"), "looked for in user32.dll");
+    return hasGetDpiForWindow ? reinterpret_cast<FARPROC>(&fakeDpiForWindow) : nullptr;
+}
+
+void probeOtherScale(int awareness) {
+    const bool perMonitor = declareAwareness(awareness) == 2;
+    const ZEMO::Test::ImportReplaced replaced("GetProcAddress", getProcAddressWithFakeDpi);
+    const ProbeWindow window;
+    for (const UINT dpi : {120u, 144u, 240u}) {
+        dpiOfWindows = dpi;
+        check(dpi / 96.0f != systemScale(), "a scale that the system does not have");
+        check(getWindowScale(window.get()) == (perMonitor ? dpi / 96.0f : systemScale()), "scale of this window");
+        check(askedFor == (perMonitor ? window.get() : nullptr), "asked for this window");
+        check(getWindowScale(nullptr) == systemScale(), "system scale without a window");
+    }
+    dpiOfWindows = 0;
+    check(getWindowScale(window.get()) == systemScale(), "system scale for a window without dots");
+}
+
+void probeNoDpiForWindow(int awareness) {
+    check(declareAwareness(awareness) == 2, "per-monitor aware");
+    const ZEMO::Test::ImportReplaced replaced("GetProcAddress", getProcAddressWithFakeDpi);
+    hasGetDpiForWindow = false;
+    dpiOfWindows = 144;
+    const ProbeWindow window;
+    check(getWindowScale(window.get()) == systemScale(), "system scale where windows have none");
+}
+
+void probeMoved(int awareness) {
+    check(declareAwareness(awareness) == 2, "per-monitor aware");
+    const ZEMO::Test::ImportReplaced replaced("GetProcAddress", getProcAddressWithFakeDpi);
+    const ProbeWindow window;
+    dpiOfWindows = 144;
+    XButton button(window.get());
+    dpiOfWindows = 192;
+    check(getWindowScale(window.get()) == 2.0f, "the monitor's scale is another now");
+    const RECT client{0, 0, 2000, 600};
+    button.onResize(client);
+    check(button.hitTest({1916, 30}, client) && button.hitTest({1969, 83}, client), "within at scale 1.5");
+    check(!button.hitTest({1915, 30}, client) && !button.hitTest({1916, 29}, client), "outside, left and above");
+    check(!button.hitTest({1970, 83}, client) && !button.hitTest({1969, 84}, client), "outside, right and below");
+}
+
 void probeRemembered(int awareness) {
     check(!isPerMonitorDpiAware(), "not per-monitor aware at the start");
     check(declareAwareness(awareness) == 2, "per-monitor aware afterwards");
@@ -101,10 +162,10 @@ struct Probe {
     const char* name;
     void (*run)(int awareness);
 };
-constexpr Probe kProbes[] = {{"scale", probeScale},
-                             {"remembered", probeRemembered},
-                             {"threads", probeThreads},
-                             {"window gone", probeWindowGone}};
+constexpr Probe kProbes[] = {
+    {"scale", probeScale},           {"other scale", probeOtherScale}, {"no function", probeNoDpiForWindow},
+    {"moved", probeMoved},           {"remembered", probeRemembered},  {"threads", probeThreads},
+    {"window gone", probeWindowGone}};
 
 const bool isTestProcess = [] {
     char request[64] = {};
@@ -150,6 +211,24 @@ TEST(DisplayScale, ProcessUnaware_SystemScaleForEveryWindow) { EXPECT_EQ(runProb
 TEST(DisplayScale, ProcessSystemAware_SystemScaleForEveryWindow) { EXPECT_EQ(runProbe("scale", 1), kProbePassed); }
 
 TEST(DisplayScale, ProcessPerMonitorAware_WindowsOwnScale) { EXPECT_EQ(runProbe("scale", 2), kProbePassed); }
+
+TEST(DisplayScale, WindowOfAnotherScaleInAPerMonitorAwareProcess_HasItsOwn) {
+    EXPECT_EQ(runProbe("other scale", 2), kProbePassed);
+}
+
+TEST(DisplayScale, WindowOfAnotherScaleInAnUnawareProcess_HasTheSystems) {
+    EXPECT_EQ(runProbe("other scale", 0), kProbePassed);
+}
+
+TEST(DisplayScale, WindowOfAnotherScaleInASystemAwareProcess_HasTheSystems) {
+    EXPECT_EQ(runProbe("other scale", 1), kProbePassed);
+}
+
+TEST(DisplayScale, SystemWithoutScalesOfWindows_SystemScale) { EXPECT_EQ(runProbe("no function", 2), kProbePassed); }
+
+TEST(DisplayScale, WindowMovedToAMonitorOfAnotherScale_CloseButtonKeepsItsFirstScale) {
+    EXPECT_EQ(runProbe("moved", 2), kProbePassed);
+}
 
 TEST(DisplayScale, ProcessThatDeclaredNothing_FollowsWhatTheSystemGaveIt) {
     EXPECT_EQ(runProbe("scale", kUndeclared), kProbePassed);

@@ -8,19 +8,45 @@
 namespace ZEMO::UI::test {
 namespace {
 
+/// The narrow button is smaller than the wide one, so that the choice between them shows.
+class TwoSizes : public XButton {
+public:
+    TwoSizes() : XButton(1.0f) { sizeNarrow = 24; }
+};
+
+class TwoSizeLayer : public RecordingLayer {
+public:
+    using RecordingLayer::RecordingLayer;
+
+private:
+    std::unique_ptr<IXbtn> makeCloseButton() const override { return std::make_unique<TwoSizes>(); }
+};
+
 /// A layer with a close button on a game window whose client area is exactly 1000 pixels wide.
 class CloseButtonWindow : public testing::Test {
 protected:
     CloseButtonWindow() : frame(frameFor(1000, 600)) {
         SetWindowPos(fixture.game.handle(), nullptr, 60, 60, frame.cx, frame.cy, SWP_NOZORDER);
+        show<RecordingLayer>();
+    }
+    ~CloseButtonWindow() override { ZEMOMultiLayerManager::instance().removeLayer(layer); }
+
+    template <class Layer>
+    void show() {
+        if (layer) ZEMOMultiLayerManager::instance().removeLayer(layer);
         RecordingLayer::Options options;
         options.parent = fixture.game.handle();
-        layer = ZEMOWindow::create<RecordingLayer>(options, journal);
+        layer = ZEMOWindow::create<Layer>(options, journal);
         layer->setCustomCursor(nullptr);
         layer->createCloseButton([this] { journal->add("clicked"); });
         ZEMOMultiLayerManager::instance().addLayer(layer);
     }
-    ~CloseButtonWindow() override { ZEMOMultiLayerManager::instance().removeLayer(layer); }
+
+    void resizeClient(LONG width, LONG height) {
+        const SIZE size = frameFor(width, height);
+        SetWindowPos(fixture.game.handle(), nullptr, 60, 60, size.cx, size.cy, SWP_NOZORDER);
+        ASSERT_EQ(fixture.game.client().right, width);
+    }
 
     static SIZE frameFor(LONG width, LONG height) {
         RECT r{0, 0, width, height};
@@ -65,13 +91,40 @@ TEST_F(CloseButtonWindow, PressesAtTheEdges_HitInsideAndMissOutside) {
 }
 
 TEST_F(CloseButtonWindow, WindowMadeNarrower_ButtonMovesWithTheRightEdge) {
-    const SIZE narrow = frameFor(500, 400);
-    SetWindowPos(fixture.game.handle(), nullptr, 60, 60, narrow.cx, narrow.cy, SWP_NOZORDER);
-    ASSERT_EQ(fixture.game.client().right, 500);
+    resizeClient(500, 400);
     EXPECT_TRUE(pressAt(444, 20));
     EXPECT_TRUE(pressAt(479, 55));
     EXPECT_FALSE(pressAt(443, 20));
     EXPECT_FALSE(pressAt(480, 20));
+}
+
+TEST_F(CloseButtonWindow, ButtonOfTwoSizes_IsMadeForTheWidthOfTheWindow) {
+    show<TwoSizeLayer>();
+    EXPECT_TRUE(pressAt(944, 55));
+    resizeClient(897, 400);
+    show<TwoSizeLayer>();
+    EXPECT_FALSE(pressAt(852, 43));
+    EXPECT_TRUE(pressAt(853, 43));
+    EXPECT_FALSE(pressAt(853, 44));
+}
+
+TEST_F(CloseButtonWindow, WindowMadeNarrower_ButtonTakesItsNarrowSize) {
+    show<TwoSizeLayer>();
+    resizeClient(897, 400);
+    EXPECT_TRUE(pressAt(853, 20));
+    EXPECT_TRUE(pressAt(876, 43));
+    EXPECT_FALSE(pressAt(852, 20));
+    EXPECT_FALSE(pressAt(876, 44));
+}
+
+TEST_F(CloseButtonWindow, WindowMadeWider_ButtonTakesItsWideSize) {
+    resizeClient(897, 400);
+    show<TwoSizeLayer>();
+    resizeClient(898, 400);
+    EXPECT_TRUE(pressAt(842, 20));
+    EXPECT_TRUE(pressAt(877, 55));
+    EXPECT_FALSE(pressAt(841, 20));
+    EXPECT_FALSE(pressAt(877, 56));
 }
 
 TEST_F(CloseButtonWindow, CursorOverTheButton_IsAHandAndAnArrowOutside) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
 namespace ZEMO::UI::test {
@@ -66,14 +67,28 @@ TEST_F(CursorRestoreTest, FirstLayersWindow_IsTheOneThatIsGivenBack) {
     for (const ReceivedMessage& m : second.received()) EXPECT_FALSE(m.message == WM_SETCURSOR && m.lParam == 0x2000001);
 }
 
-TEST_F(CursorRestoreTest, CursorPlace_StaysWhereItWas) {
+// Setting the cursor to where it is shows nowhere, so the calls are written down and passed on.
+std::vector<POINT> cursorPlaces;
+BOOL WINAPI watchedSetCursorPos(int x, int y) {
+    static const auto system = ZEMO::Test::systemFunction<decltype(SetCursorPos)>(L"user32.dll", "SetCursorPos");
+    cursorPlaces.push_back({x, y});
+    return system(x, y);
+}
+
+TEST_F(CursorRestoreTest, LastLayerGone_CursorIsSetToTheSamePlaceOnce) {
     const CursorAt place(321, 234);
-    int ended = 0;
     CursorAt::hold([&] {  // fails when the cursor is never at its place after the attempt
-        layer(game.handle()).reset();
-        ++ended;
+        const ZEMO::Test::ImportReplaced replaced("SetCursorPos", watchedSetCursorPos);
+        auto a = layer(game.handle());
+        auto b = layer(game.handle());
+        cursorPlaces.clear();
+        a.reset();
+        EXPECT_TRUE(cursorPlaces.empty());
+        b.reset();
     });
-    EXPECT_GT(ended, 0);
+    ASSERT_EQ(cursorPlaces.size(), 1u);
+    EXPECT_EQ(cursorPlaces[0].x, 321);
+    EXPECT_EQ(cursorPlaces[0].y, 234);
 }
 
 TEST_F(CursorRestoreTest, NoParent_NothingIsRestored) {
@@ -103,6 +118,29 @@ TEST_F(CursorRestoreTest, NextFirstLayer_SavesTheCursorOfThatTime) {
     a.reset();
     EXPECT_EQ(classCursor(game.handle()), page);
     setClassCursor(game.handle(), own);
+}
+
+TEST_F(CursorRestoreTest, OwnWindowWithAParent_GivesTheParentsClassItsCursorBack) {
+    RecordingLayer::Options options;
+    options.parent = game.handle();
+    options.style = WindowStyle::Window;
+    auto a = ZEMOWindow::create<RecordingLayer>(options, std::make_shared<Journal>());
+    EXPECT_EQ(CursorRestore::useCount(), 1);
+    const HWND window = a->getWindowHandle();
+    ASSERT_TRUE(IsWindow(window));
+    const HCURSOR ofOwnClass = classCursor(window);
+    setClassCursor(game.handle(), page);
+    game.clearReceived();
+    a.reset();
+    EXPECT_EQ(CursorRestore::useCount(), 0);
+    EXPECT_EQ(classCursor(game.handle()), own);
+    EXPECT_EQ(classCursor(window), ofOwnClass);
+    EXPECT_TRUE(game.waitForMessage(WM_SETCURSOR));
+    const DWORD id = GetWindowThreadProcessId(window, nullptr);
+    const HANDLE thread = OpenThread(SYNCHRONIZE, FALSE, id);
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(waitForThreadEnd(id, thread));
+    CloseHandle(thread);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "layers/posted_text.h"
 #include "layers/track_mouse_leave.h"
 #include "layers/window_messages.h"
+#include "window/call_watch.h"
 #include "window/cursor_file_for_test.h"
 #include "window/window_test_support.h"
 
@@ -311,22 +312,27 @@ TEST_F(ZemoWindowLayer, SecondCreateCloseButton_KeepsTheFirstAction) {
 }
 
 TEST_F(ZemoWindowLayer, CloseClickThatDropsTheLastReference_EndsTheLayerAfterTheMessage) {
-    make();
-    bool aliveInClick = false;
-    std::weak_ptr<RecordingLayer> watch = layer;
-    layer->createCloseButton([&] {
-        drop();
-        aliveInClick = !watch.expired();
-        journal->add("clicked");
-    });
     const CursorAt onButton(onScreen(closeButtonPoint(window())));
-    DWORD gameThread = GetWindowThreadProcessId(window(), nullptr);
+    const std::string destroyed = text("destroyed on thread %lu", GetWindowThreadProcessId(window(), nullptr));
+    bool aliveInClick = false;
+    std::weak_ptr<RecordingLayer> watch;
     GameWindow::Probe probe;
-    game().onThread([&] { probe = game().probe(WM_LBUTTONDOWN, MK_LBUTTON, kAt); });
+    CursorAt::hold([&] {  // with a layer of its own each time
+        make();
+        watch = layer;
+        aliveInClick = false;
+        layer->createCloseButton([&] {
+            drop();
+            aliveInClick = !watch.expired();
+            journal->add("clicked");
+        });
+        game().onThread([&] { probe = game().probe(WM_LBUTTONDOWN, MK_LBUTTON, kAt); });
+    });
     EXPECT_FALSE(probe.gameSawIt);
+    EXPECT_EQ(journal->count("clicked"), 1u);
     EXPECT_TRUE(aliveInClick);
     EXPECT_TRUE(watch.expired());
-    EXPECT_EQ(journal->count(text("destroyed on thread %lu", gameThread)), 1u);
+    EXPECT_EQ(journal->count(destroyed), 1u);
 }
 
 TEST_F(ZemoWindowLayer, MouseMoveOverTheButton_ShowsTheHandOnce) {
@@ -462,21 +468,30 @@ TEST_F(ZemoWindowLayer, FirstEraseWithACustomCursor_PostsSetCursorOnce) {
 
 // --- input method context ---
 
-TEST_F(ZemoWindowLayer, ImeSetContext_IsAnsweredWithoutTheCompositionWindow) {
+TEST_F(ZemoWindowLayer, ImeSetContext_IsAnsweredByTheDefaultWithoutTheCompositionWindow) {
     make();
-    const Outcome got = send(WM_IME_SETCONTEXT, 1, static_cast<LPARAM>(ISC_SHOWUIALL));
-    EXPECT_EQ(got.calls, Lines{"onImeSetContext"});
-    EXPECT_TRUE(got.consumed);
+    DefaultProcedureWatch defaults(window());
+    for (const WPARAM activated : {WPARAM{1}, WPARAM{0}}) {
+        defaults.answer(WM_IME_SETCONTEXT, activated, 0x4000000F, 4711);
+        const Outcome got = send(WM_IME_SETCONTEXT, activated, static_cast<LPARAM>(ISC_SHOWUIALL));
+        EXPECT_EQ(got.calls, Lines{"onImeSetContext"});
+        EXPECT_TRUE(got.consumed);
+        EXPECT_TRUE(defaults.answered());
+        EXPECT_EQ(got.result, 4711);
+    }
 }
 
 TEST_F(ZemoWindowLayer, ImeSetContextInAPasswordField_IsConsumedWithoutTheDefaultPath) {
     make();
+    DefaultProcedureWatch defaults(window());
+    defaults.answer(WM_IME_SETCONTEXT, 1, 0x4000000F, 4711);
     setPasswordFieldFocused(true);
     const Outcome got = send(WM_IME_SETCONTEXT, 1, static_cast<LPARAM>(ISC_SHOWUIALL));
     setPasswordFieldFocused(false);
     EXPECT_EQ(got.calls, Lines{"onImeSetContext"});
     EXPECT_TRUE(got.consumed);
     EXPECT_EQ(got.result, 0);
+    EXPECT_FALSE(defaults.answered());
 }
 
 // --- pointer messages ---
@@ -636,6 +651,24 @@ TEST_F(ZemoWindowLayerPointer, MouseUpdate_MakesKeysFromThePointersFlags) {
     unsigned modifiers = 0;
     ASSERT_EQ(std::sscanf(calls[0].c_str(), "onMouseMove(%d,%d,%u)", &x, &y, &modifiers), 3);
     EXPECT_EQ(modifiers & (kEventControlDown | kEventShiftDown), kEventControlDown | kEventShiftDown);
+}
+
+// --- the end ---
+
+TEST_F(ZemoWindowLayer, Destroyed_WindowIsPaintedAnewWithItsBackground) {
+    make();
+    game().onThread([&] {
+        ValidateRect(window(), nullptr);
+        EXPECT_FALSE(GetUpdateRect(window(), nullptr, FALSE));
+        drop();
+        RECT update{};
+        EXPECT_TRUE(GetUpdateRect(window(), &update, FALSE));
+        const RECT client = game().client();
+        EXPECT_TRUE(EqualRect(&update, &client));
+        game().clearReceived();
+        RedrawWindow(window(), nullptr, nullptr, RDW_ERASENOW);
+    });
+    EXPECT_TRUE(game().waitForMessage(WM_ERASEBKGND));
 }
 
 // --- construction ---
