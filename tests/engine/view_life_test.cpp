@@ -66,25 +66,27 @@ TEST(ViewLife, TwoHundredViewsOpenedAndClosed_ProcessIsBackWhereItWas) {
             return pages <= 1;  // the engine keeps one warm for the next page
         });
     };
-    for (int i = 0; i < 20; ++i) oneView(i);  // caches, thread pools and the like fill up
-    ASSERT_TRUE(settled());
-    game.pass(1s);
-    const Usage before = usage();
-    for (int i = 0; i < 200; ++i) {
-        oneView(i);
-        if (HasFatalFailure()) return;
-    }
-    ASSERT_TRUE(settled());
-    game.pass(2s);
-    const Usage after = usage();
-    EXPECT_LE(after.children, before.children + 1);
-    // A leak of one handle or one frame (256 kB) a view would show as 200 handles or 50 MB.
-    EXPECT_LE(after.handles, before.handles + 100) << "before " << before.handles;
-    EXPECT_LE(after.bytes, before.bytes + 30'000'000) << "before " << before.bytes;
+    const auto views = [&](int count) {
+        for (int i = 0; i < count && !HasFatalFailure(); ++i) oneView(i);
+        if (!settled()) ADD_FAILURE() << "page processes stay";
+        game.pass(1s);
+        return usage();
+    };
+    const Usage start = views(20);  // caches, thread pools and the like fill up
+    const Usage middle = views(100);
+    const Usage end = views(100);
+    if (HasFatalFailure()) return;
+    EXPECT_LE(end.children, start.children + 1);
+    // In each half 50 views take each road, so a leak of one handle on one road is 50 handles a half, and a leak of one
+    // frame (256 kB) 12.8 MB. What the engine still fills up shows in the first half more than in the second.
+    EXPECT_LT(end.handles, middle.handles + 20) << "start " << start.handles << ", middle " << middle.handles;
+    EXPECT_LT(end.bytes, middle.bytes + 12'000'000) << "start " << start.bytes << ", middle " << middle.bytes;
+    std::cout << "handles " << start.handles << " " << middle.handles << " " << end.handles << ", bytes " << start.bytes
+              << " " << middle.bytes << " " << end.bytes << std::endl;
 }
 
 TEST(ViewLife, ForwardersBeforeShow_DoNothing) {
-    GameHost game({.startLibrary = false});
+    GameHost game;  // with a running engine, so that a call that got through would do something
     auto view = ZEMO::UI::createWebViewDefault();
     view->goBack();
     view->goForward();
@@ -136,6 +138,27 @@ TEST(ViewLife, HtmlStoredThenPage_HtmlRoadIsTaken) {
     view->loadPage("start");
     view->show();
     EXPECT_TRUE(game.waitFor("the HTML's colour", [&] { return game.frames.pixel(9, 9) == 0xFF778899u; }));
+}
+
+TEST(ViewLife, HtmlWithKoreanLettersAndReservedCharacters_ArrivesLetterByLetter) {
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,unused", events);
+    view->loadContent(nullptr);
+    // The page itself compares its text with what was meant, written in escapes, and says so by its colour.
+    const auto page = [](const char* color) {
+        return std::string("<!doctype html><meta charset=utf-8><p id=t>한글 1+1=2 50% #가 %2B&amp;?~>>></p><script>") +
+               "document.documentElement.style.background=document.getElementById('t').textContent===" +
+               "'\\uD55C\\uAE00 1\\x2B1\\x3D2 50\\x25 \\x23\\uAC00 \\x252B\\x26\\x3F~\\x3E\\x3E\\x3E'?'" + color + "':'#f00'</script>";
+    };
+    const std::string first = page("#135724");
+    view->loadHtml(first, "");
+    view->show();
+    EXPECT_TRUE(game.waitFor("the first text", [&] { return game.frames.pixel(310, 190) == 0xFF135724u; }));
+    ASSERT_TRUE(game.waitFor("completion", [&] { return events.has("completed"); }));
+    const std::string second = page("#246813");
+    view->loadHtml(second, "");
+    EXPECT_TRUE(game.waitFor("the second text", [&] { return game.frames.pixel(310, 190) == 0xFF246813u; }));
 }
 
 TEST(ViewLife, WebAddressInMixedCaseWithItems_CreatesTheBrowserOnIt) {
@@ -213,6 +236,7 @@ TEST(ViewLife, ReservedAddresses_NeverReachDelegateOrNetwork) {
     view->loadContent(addressItem(server.url("/use")));
     EXPECT_TRUE(game.waitFor("use=true", [&] { return used == 1; }));
     for (const std::string& event : events.events()) {
+        EXPECT_FALSE(event.starts_with("failed")) << event;
         EXPECT_EQ(event.find("gamepadinit"), std::string::npos) << event;
         EXPECT_EQ(event.find("GamePadInit"), std::string::npos) << event;
     }
