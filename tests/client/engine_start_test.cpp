@@ -74,7 +74,8 @@ TEST(EngineStart, RequestOfAPage_AcceptsTheLanguagesOfTheUsersInterface) {
     // The engine adds a falling quality to each but the first language.
     std::string accepted;
     for (const HttpServer::Request& request : server.requests()) {
-        if (request.target == "/") accepted = std::regex_replace(request.headers.at("accept-language"), std::regex(";q=[0-9.]+"), "");
+        if (request.target == "/")
+            accepted = std::regex_replace(request.headers.at("accept-language"), std::regex(";q=[0-9.]+"), "");
     }
     const std::wstring expected =
         buildLanguageText(userLocale(LOCALE_SISO639LANGNAME), userLocale(LOCALE_SISO3166CTRYNAME));

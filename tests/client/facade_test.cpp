@@ -88,9 +88,8 @@ TEST(Facade, CloseButtonAskedForAfterTheFirstShow_ThereIsNone) {
     auto asked = game.makeView(server.url("/b"), events);
     asked->setCloseButtonEnabled(true);
     asked->show();
-    EXPECT_TRUE(game.waitFor("the button of a view that was asked in time", [&] {
-        return game.frames.pixel(9, 9) == 0xFFB2B2B2u && buttonPixel() != 0xFFB2B2B2u;
-    }));
+    EXPECT_TRUE(game.waitFor("the button of a view that was asked in time",
+                             [&] { return game.frames.pixel(9, 9) == 0xFFB2B2B2u && buttonPixel() != 0xFFB2B2B2u; }));
 }
 
 TEST(Facade, ViewDidShow_ComesAfterTheLoadWasStarted) {
@@ -119,9 +118,9 @@ TEST(Facade, NavigationStarting_MainWindowIsRepainted) {
     game.pass(300ms);
     ASSERT_EQ(std::count(game.gameMessages.begin(), game.gameMessages.end(), UINT{WM_PAINT}), 0) << "not quiet";
     view->navigationStarting(view);
-    EXPECT_TRUE(game.waitFor("WM_PAINT", [&] {
-        return std::count(game.gameMessages.begin(), game.gameMessages.end(), UINT{WM_PAINT}) == 1;
-    }, 5s));
+    EXPECT_TRUE(game.waitFor(
+        "WM_PAINT", [&] { return std::count(game.gameMessages.begin(), game.gameMessages.end(), UINT{WM_PAINT}) == 1; },
+        5s));
 }
 
 }  // namespace ZEMO::Test

@@ -47,15 +47,13 @@ TEST(TestStart, EngineRunning_ResultSubclassLocaleAndPage) {
     HttpServer server;
     server.serveHtml("/", solidPage("#314159"));
     GameHost game({.startLibrary = false});
-    std::setlocale(LC_ALL, "C");
+    const std::string utf8 = std::setlocale(LC_ALL, ".UTF8");
+    ASSERT_NE(utf8, std::setlocale(LC_ALL, "C"));
     EXPECT_EQ(InitUILibraryTEST(), -1);
     EXPECT_EQ(manager().getMainWindow(), game.window);
     EXPECT_EQ(GetWindowLongPtrW(game.window, GWLP_WNDPROC),
               reinterpret_cast<LONG_PTR>(&ZEMOMultiLayerManager::layerWindowProc));
-    const std::string locale = std::setlocale(LC_ALL, nullptr);
-    EXPECT_TRUE(locale.find("utf8") != std::string::npos || locale.find("UTF8") != std::string::npos ||
-                locale.find("UTF-8") != std::string::npos)
-        << locale;
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), utf8);
     EXPECT_EQ(manager().getGraphicsHookModule(), nullptr) << "there is no hook module here";
     NavigationRecorder events;
     auto view = game.makeView(server.url("/"), events);

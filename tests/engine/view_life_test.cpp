@@ -149,7 +149,8 @@ TEST(ViewLife, HtmlWithKoreanLettersAndReservedCharacters_ArrivesLetterByLetter)
     const auto page = [](const char* color) {
         return std::string("<!doctype html><meta charset=utf-8><p id=t>한글 1+1=2 50% #가 %2B&amp;?~>>></p><script>") +
                "document.documentElement.style.background=document.getElementById('t').textContent===" +
-               "'\\uD55C\\uAE00 1\\x2B1\\x3D2 50\\x25 \\x23\\uAC00 \\x252B\\x26\\x3F~\\x3E\\x3E\\x3E'?'" + color + "':'#f00'</script>";
+               "'\\uD55C\\uAE00 1\\x2B1\\x3D2 50\\x25 \\x23\\uAC00 \\x252B\\x26\\x3F~\\x3E\\x3E\\x3E'?'" + color +
+               "':'#f00'</script>";
     };
     const std::string first = page("#135724");
     view->loadHtml(first, "");

@@ -27,7 +27,7 @@ TEST_F(HtmlDataAddress, EmptyText_OnlyTheHead) { EXPECT_EQ(htmlDataAddress("", "
 
 TEST_F(HtmlDataAddress, PlusSlashAndEqualsSigns_PercentEncoded) {
     // In base64: Pz8/Pj4+YQ==
-    EXPECT_EQ(htmlDataAddress("???>>>a", ""), "data:text/html;base64,Pz8%2FPj4%2BYQ%3D%3D");
+    EXPECT_EQ(htmlDataAddress("\?\?\?>>>a", ""), "data:text/html;base64,Pz8%2FPj4%2BYQ%3D%3D");
 }
 
 TEST_F(HtmlDataAddress, KoreanLettersAndReservedCharacters_EncodedAsUtf8BytesAndWhole) {
