@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "client/client_view.h"
 #include "core/process_state.h"
 #include "engine/cef_module.h"
 #include "engine/web_app.h"
 #include "include/cef_command_line.h"
+#include "include/cef_scheme.h"
 #include "layers/layer_manager.h"
 #include "support/debug_log.h"
 #include "support/http_server.h"
@@ -24,6 +27,22 @@ std::string addedSwitches(const CefString& processType) {
     return line->GetCommandLineString().ToString();
 }
 
+/// Stands in for the engine's registrar, which only the engine can make and nothing can be read from.
+class SchemeRecorder : public CefSchemeRegistrar {
+public:
+    bool AddCustomScheme(const CefString& name, int options) override {
+        schemes.emplace_back(name.ToString(), options);
+        return true;
+    }
+    std::vector<std::pair<std::string, int>> schemes;
+};
+
+std::wstring userLocale(LCTYPE what) {
+    wchar_t text[100] = {};
+    GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), what, text, 100);
+    return text;
+}
+
 constexpr char kFourSwitches[] =
     "game.exe --no-proxy-server --disable-web-security --disable-site-isolation-trials --disable-touch-adjustment";
 
@@ -37,6 +56,31 @@ TEST(EngineStart, SoftwareCompositing_FifthSwitchOnlyWhenAskedForAndAnyProcessTy
         setUIEngineOsrRenderEnabled(-5);
         EXPECT_EQ(addedSwitches(type), std::string(kFourSwitches) + " --disable-gpu-compositing");
     }
+}
+
+TEST(EngineStart, CustomScheme_RegisteredAsStandardWithCrossOriginRequests) {
+    SchemeRecorder registrar;
+    const CefRefPtr<WebApp> app = new WebApp;
+    app->OnRegisterCustomSchemes(&registrar);
+    EXPECT_EQ(registrar.schemes, (std::vector<std::pair<std::string, int>>{{"zemosdkcustomscheme", 17}}));
+}
+
+TEST(EngineStart, RequestOfAPage_AcceptsTheLanguagesOfTheUsersInterface) {
+    HttpServer server;
+    server.serveHtml("/", solidPage("#0f0"));
+    GameHost game;
+    ClientView view(game, server.url("/"));
+    ASSERT_TRUE(game.waitFor("the request", [&] { return server.requestCount("/") == 1; }));
+    // The engine adds a falling quality to each but the first language.
+    std::string accepted;
+    for (const HttpServer::Request& request : server.requests()) {
+        if (request.target == "/")
+            accepted = std::regex_replace(request.headers.at("accept-language"), std::regex(";q=[0-9.]+"), "");
+    }
+    const std::wstring expected =
+        buildLanguageText(userLocale(LOCALE_SISO639LANGNAME), userLocale(LOCALE_SISO3166CTRYNAME));
+    EXPECT_EQ(accepted, CefString(expected).ToString());
+    EXPECT_GT(expected.size(), 2u);
 }
 
 TEST(EngineStart, CompositingSetAfterTheStart_ValueFlipsAndTheEngineGoesOn) {

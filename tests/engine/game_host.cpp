@@ -121,8 +121,8 @@ bool FrameRecorder::savePng(const std::string& path) const {
 
 void NavigationRecorder::add(std::string event) {
     {
-        const std::lock_guard lock(mutex);
-        list.push_back(std::move(event));
+        const std::lock_guard lock(record->mutex);
+        record->list.push_back(std::move(event));
     }
     SetEvent(wakeEvent());
 }
@@ -144,18 +144,18 @@ bool NavigationRecorder::navigationRequested(std::shared_ptr<ZEMO::UI::IZEMOWebV
 void NavigationRecorder::closeRequested() { add("closeRequested"); }
 
 std::vector<std::string> NavigationRecorder::events() const {
-    const std::lock_guard lock(mutex);
-    return list;
+    const std::lock_guard lock(record->mutex);
+    return record->list;
 }
 
 size_t NavigationRecorder::count(const std::string& event) const {
-    const std::lock_guard lock(mutex);
-    return static_cast<size_t>(std::count(list.begin(), list.end(), event));
+    const std::lock_guard lock(record->mutex);
+    return static_cast<size_t>(std::ranges::count(record->list, event));
 }
 
 void NavigationRecorder::forget() {
-    const std::lock_guard lock(mutex);
-    list.clear();
+    const std::lock_guard lock(record->mutex);
+    record->list.clear();
 }
 
 std::shared_ptr<ZEMO::UI::IZEMOWebContent> addressItem(const std::string& address) {
@@ -205,8 +205,7 @@ GameHost::~GameHost() {
 
 std::shared_ptr<ZEMO::UI::IZEMOWebView> GameHost::makeView(const std::string& address, NavigationRecorder& recorder) {
     auto view = ZEMO::UI::createWebViewDefault();
-    // The recorder belongs to the test and outlives the view; the pointer only keeps the view's weak reference alive.
-    delegates.emplace_back(&recorder, [](auto*) {});
+    delegates.push_back(std::make_shared<NavigationRecorder>(recorder));
     view->setWebViewDelegate(delegates.back());
     view->loadContent(addressItem(address));
     return view;

@@ -61,7 +61,8 @@ private:
 };
 
 /// Records a view's navigation events, in order, as text: "starting", "failed -105", "completed", "requested URL",
-/// "closeRequested".
+/// "closeRequested". Copies share one record: a call that the engine has begun may still be under way when the test's
+/// own recorder goes.
 class NavigationRecorder : public ZEMO::UI::ZEMOWebViewDelegate {
 public:
     void navigationStarting(std::shared_ptr<ZEMO::UI::IZEMOWebView> view) override;
@@ -74,13 +75,19 @@ public:
     size_t count(const std::string& event) const;
     bool has(const std::string& event) const { return count(event) > 0; }
     void forget();
-    /// Decides navigationRequested; unset lets everything pass.
-    std::function<bool(const std::string&)> decide;
 
 private:
+    struct Record {
+        std::mutex mutex;
+        std::vector<std::string> list;
+        std::function<bool(const std::string&)> decide;
+    };
     void add(std::string event);
-    mutable std::mutex mutex;
-    std::vector<std::string> list;
+    std::shared_ptr<Record> record = std::make_shared<Record>();
+
+public:
+    /// Decides navigationRequested; unset lets everything pass. Set it before the view is shown.
+    std::function<bool(const std::string&)>& decide = record->decide;
 };
 
 /// A content item that is just an address (kind 0), as a game writes it.
@@ -108,7 +115,7 @@ public:
     explicit GameHost(Options options);
     ~GameHost();
 
-    /// A view on `address` with a recorder as its delegate; not shown yet.
+    /// A view on `address` with a copy of the recorder, which this object keeps, as its delegate; not shown yet.
     std::shared_ptr<ZEMO::UI::IZEMOWebView> makeView(const std::string& address, NavigationRecorder& recorder);
 
     /// Dispatches messages until `done` holds. False after the time-out, with a line that names `what`.

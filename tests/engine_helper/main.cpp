@@ -46,6 +46,10 @@ LONG CALLBACK printLog(EXCEPTION_POINTERS* info) {
     } else if (record.ExceptionCode == kWideLine) {
         std::printf("log: %ls\n", reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]));
     }
+    // What the engine does to a process in which it can't go on.
+    if (record.ExceptionCode == EXCEPTION_BREAKPOINT || record.ExceptionCode == EXCEPTION_ILLEGAL_INSTRUCTION) {
+        std::printf("fatal\n");
+    }
     std::fflush(stdout);
     return EXCEPTION_CONTINUE_SEARCH;
 }

@@ -8,8 +8,40 @@
 
 #include "engine/engine_files.h"
 
+// This program's import of the function, through which the library's code in it calls too.
+extern "C" decltype(&GetFileVersionInfoSizeW) __imp_GetFileVersionInfoSizeW;
+
 namespace ZEMO::UI {
 namespace fs = std::filesystem;
+namespace {
+
+/// Counts the questions for a file's version that this program asks the system, while it lives: a file tells nobody
+/// that it was read.
+class VersionReadCounter {
+public:
+    VersionReadCounter() {
+        count = 0;
+        original = __imp_GetFileVersionInfoSizeW;
+        setImport(&countAndAsk);
+    }
+    ~VersionReadCounter() { setImport(original); }
+    static inline int count = 0;
+
+private:
+    static DWORD WINAPI countAndAsk(LPCWSTR file, LPDWORD handle) {
+        ++count;
+        return original(file, handle);
+    }
+    static void setImport(decltype(&GetFileVersionInfoSizeW) function) {
+        DWORD protection = 0;
+        VirtualProtect(&__imp_GetFileVersionInfoSizeW, sizeof function, PAGE_READWRITE, &protection);
+        __imp_GetFileVersionInfoSizeW = function;
+        VirtualProtect(&__imp_GetFileVersionInfoSizeW, sizeof function, protection, &protection);
+    }
+    static inline decltype(&GetFileVersionInfoSizeW) original = nullptr;
+};
+
+}  // namespace
 
 /// A directory as it stands beside the library: with a blank and Korean letters in its path.
 class RuntimeSelection : public ::testing::Test {
@@ -156,10 +188,21 @@ TEST_F(RuntimeSelection, Cache_OwnDirectoryCanNotBeMade_ThrowsCreateDirectory) {
     releaseCacheLock(shared, lock);
 }
 
-TEST_F(RuntimeSelection, Subprocess_PlainThere_IsUsedWithoutReadingTheEngine) {
+TEST_F(RuntimeSelection, Subprocess_PlainAndVersionedThere_PlainIsUsed) {
+    makeEngineLibrary(119, 4, 3, 7);
+    makeFile(base / L"cefsubprocess_119.4.3" / L"cef.subprocess.exe");
     makeFile(base / L"cefsubprocess" / L"cef.subprocess.exe");
-    makeFile(base / L"libcef.dll");  // no library at all: reading it would give an empty version
     EXPECT_EQ(selectSubprocess(base.wstring()), (base / L"cefsubprocess" / L"cef.subprocess.exe").wstring());
+}
+
+TEST_F(RuntimeSelection, Subprocess_PlainThere_EngineLibraryIsNotRead) {
+    makeEngineLibrary(119, 4, 3, 7);
+    const VersionReadCounter reads;
+    selectSubprocess(base.wstring());
+    ASSERT_EQ(VersionReadCounter::count, 1) << "without the plain one the version is read, and seen to be read";
+    makeFile(base / L"cefsubprocess" / L"cef.subprocess.exe");
+    selectSubprocess(base.wstring());
+    EXPECT_EQ(VersionReadCounter::count, 1);
 }
 
 TEST_F(RuntimeSelection, Subprocess_OnlyVersioned_NamedByTheEnginesThreeNumbers) {
