@@ -86,11 +86,12 @@ void CefAdapter::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, T
     // The system's on-screen keyboard comes with touch input; until then only the game's own is asked for.
     if (input_mode == CEF_TEXT_INPUT_MODE_NONE) return;
     auto& manager = ZEMOMultiLayerManager::instance();
-    if (!manager.hasSteamDeckKeyboardCallback() || manager.getSteamDeckKeyboardShown()) return;
+    const auto showKeyboard = manager.getSteamDeckKeyboardCallback();
+    if (!showKeyboard || manager.getSteamDeckKeyboardShown()) return;
     const int type = input_mode == CEF_TEXT_INPUT_MODE_EMAIL     ? kKeyboardEmail
                      : input_mode == CEF_TEXT_INPUT_MODE_NUMERIC ? kKeyboardNumeric
                                                                  : kKeyboardText;
-    manager.getSteamDeckKeyboardCallback()(type);
+    showKeyboard(type);
     manager.setSteamDeckKeyboardShown(true);
 }
 

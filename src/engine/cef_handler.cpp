@@ -27,7 +27,7 @@ namespace ZEMO::UI {
 namespace {
 
 /// How long the end of a view waits for a frame that the game is just taking. A consumer that blocks longer breaks its
-/// contract; the end then goes on without it.
+/// contract; the end then goes on, and the notice that nothing is left to show follows that frame.
 constexpr auto kPaintGrace = std::chrono::milliseconds(500);
 
 std::unique_ptr<CefRenderImpl> chooseRenderImpl(HMODULE hookModule, uint32_t hookSleepTime,
@@ -88,12 +88,14 @@ void CefHandler::close() {
     }
     if (closedBrowser) CefPostTask(TID_UI, new CloseBrowserTask(closedBrowser));
 
-    std::unique_lock paint(paintMutex, std::defer_lock);
-    (void)paint.try_lock_for(kPaintGrace);  // the last frame must not come after the consumer was told of the end
     const bool onGameWindow = windowStyle == WindowStyle::Layer;
+    clearPending = onGameWindow;
+    std::unique_lock paint(paintMutex, std::defer_lock);
+    const bool noPaintRuns = paint.try_lock_for(kPaintGrace);
     if (!closing && onGameWindow && ZEMOMultiLayerManager::instance().getLayerCount() == 0) renderImpl->onViewClosed();
     if (const auto local = renderer.load()) local->onViewHidden();
-    if (onGameWindow) renderImpl->clearFrame();
+    // The consumer hears of the end last, and never while it takes a frame: a paint that still runs tells it then.
+    if (noPaintRuns && clearPending.exchange(false)) renderImpl->clearFrame();
     InvalidateRect(window, nullptr, TRUE);
     Core::logDebugA("html view is closed\n");
 }

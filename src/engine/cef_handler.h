@@ -123,6 +123,8 @@ protected:
     void postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const;
 
 private:
+    void takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                   const void* buffer, int width, int height);
     void ensureRenderer();
     void refreshBrowser();
     void renderThreadMain();
@@ -133,6 +135,7 @@ private:
     // Shared between threads.
     std::mutex browserMutex;  ///< guards `browser` and its hand-over to the script bridge
     CefRefPtr<CefBrowser> browser;
+    std::atomic<bool> clearPending{false};  ///< the consumer has still to hear that nothing is left to show
     std::recursive_timed_mutex paintMutex;  ///< one frame or the end of frames; held while the consumer is called
     std::atomic<std::shared_ptr<IOsrRenderer>> renderer;
     std::atomic<bool> needResize{false};

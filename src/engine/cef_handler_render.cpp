@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <chrono>
+#include <climits>
+#include <cstdint>
 
 #include "engine/cef_handler.h"
 #include "include/cef_browser.h"
@@ -11,10 +13,15 @@
 namespace ZEMO::UI {
 namespace {
 
-constexpr auto kRenderCycle = std::chrono::milliseconds(100);
+constexpr std::chrono::duration<DWORD, std::milli> kRenderCycle(100);
 constexpr int kWiggleSteps = 10;
 /// The engine paints frames of 1x1 before a page's first layout; no local renderer gets those.
 constexpr int kSmallestLocalFrame = 2;
+
+// A page's rectangle may be any; its end stays within an int.
+int endOf(int start, int length) {
+    return static_cast<int>(std::clamp(int64_t{start} + length, int64_t{INT_MIN}, int64_t{INT_MAX}));
+}
 
 }  // namespace
 
@@ -53,7 +60,7 @@ void CefHandler::renderThreadMain() {
 
 // Waits the rest of the cycle, or less when the view ends; false then.
 bool CefHandler::waitForNextCycle() {
-    WaitForSingleObject(stopEvent.get(), static_cast<DWORD>(kRenderCycle.count()));
+    if (WaitForSingleObject(stopEvent.get(), kRenderCycle.count()) == WAIT_FAILED) Sleep(kRenderCycle.count());
     return !stopped;
 }
 
@@ -120,6 +127,12 @@ void CefHandler::OnPaint(CefRefPtr<CefBrowser> source, PaintElementType type, co
                          const void* buffer, int width, int height) {
     const std::lock_guard paint(paintMutex);
     if (closing || !visible) return;
+    takeFrame(source, type, dirtyRects, buffer, width, height);
+    if (clearPending.exchange(false)) renderImpl->clearFrame();  // the view ended meanwhile
+}
+
+void CefHandler::takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                           const void* buffer, int width, int height) {
     if (windowStyle == WindowStyle::Layer) {
         const bool drawClose = hasCloseButton && closeButtonShown;
         if (renderImpl->paint(drawClose, source, type, dirtyRects, buffer, width, height)) return;
@@ -147,7 +160,7 @@ void CefHandler::OnPopupSize(CefRefPtr<CefBrowser> source, const CefRect& rect) 
     Rect device;
     logicalToDeviceRect(device, Rect{rect.x, rect.y, rect.width, rect.height}, dpiScale);
     if (windowStyle == WindowStyle::Layer) {
-        renderImpl->onPopupRect({device.x, device.y, device.x + device.width, device.y + device.height});
+        renderImpl->onPopupRect({device.x, device.y, endOf(device.x, device.width), endOf(device.y, device.height)});
     }
     if (const auto local = renderer.load()) {
         local->onPopupSize(source, CefRect(device.x, device.y, device.width, device.height));

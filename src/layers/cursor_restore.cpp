@@ -13,7 +13,8 @@ struct CursorRestoreState {
     ULONG_PTR savedClassCursor = 0;
 };
 
-/// An own window's layer may end on that window's thread. Never held during a call into the system's windows.
+/// An own window's layer may end on that window's thread while another one starts: what is saved must never be a page's
+/// cursor that is just being taken back. No call under it waits for another thread.
 std::mutex stateAccess;
 std::unique_ptr<CursorRestoreState> cursorRestoreState;
 
@@ -33,24 +34,20 @@ void restore(const CursorRestoreState& state) {
 }  // namespace
 
 void CursorRestore::addUser(HWND parentWindow) {
-    const ULONG_PTR classCursor = parentWindow ? GetClassLongPtrW(parentWindow, GCLP_HCURSOR) : 0;
     const std::lock_guard lock(stateAccess);
     if (!cursorRestoreState) {
         cursorRestoreState = std::make_unique<CursorRestoreState>();
         cursorRestoreState->window = parentWindow;
-        cursorRestoreState->savedClassCursor = classCursor;
+        if (parentWindow) cursorRestoreState->savedClassCursor = GetClassLongPtrW(parentWindow, GCLP_HCURSOR);
     }
     ++cursorRestoreState->useCount;
 }
 
 void CursorRestore::removeUser() {
-    std::unique_ptr<CursorRestoreState> last;
-    {
-        const std::lock_guard lock(stateAccess);
-        if (!cursorRestoreState || --cursorRestoreState->useCount > 0) return;
-        last = std::move(cursorRestoreState);
-    }
-    restore(*last);
+    const std::lock_guard lock(stateAccess);
+    if (!cursorRestoreState || --cursorRestoreState->useCount > 0) return;
+    restore(*cursorRestoreState);
+    cursorRestoreState.reset();
 }
 
 int CursorRestore::useCount() {

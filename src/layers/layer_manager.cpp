@@ -71,6 +71,7 @@ bool ZEMOMultiLayerManager::dispatchMessage(LRESULT* result, HWND hwnd, UINT mes
 }
 
 void ZEMOMultiLayerManager::addLayer(std::weak_ptr<ILayer> layer) {
+    std::vector<std::shared_ptr<ILayer>> inUse;  // a layer whose last reference this turns out to be ends unlocked
     const std::lock_guard lock(layersMutex);
     if (layers.empty()) {
         savedPriorityClass = GetPriorityClass(GetCurrentProcess());
@@ -81,14 +82,15 @@ void ZEMOMultiLayerManager::addLayer(std::weak_ptr<ILayer> layer) {
     appendLayer(layer);
     const bool keepHookFrame = !layers.empty();
     for (const std::weak_ptr<ILayer>& entry : layers) {
-        if (const std::shared_ptr<ILayer> alive = entry.lock()) alive->setVisible(false, keepHookFrame);
+        if (const auto& alive = inUse.emplace_back(entry.lock())) alive->setVisible(false, keepHookFrame);
     }
-    if (const std::shared_ptr<ILayer> added = layer.lock()) added->setVisible(true, keepHookFrame);
+    if (const auto& added = inUse.emplace_back(layer.lock())) added->setVisible(true, keepHookFrame);
 }
 
 void ZEMOMultiLayerManager::removeLayer(std::weak_ptr<ILayer> layer) {
+    const std::shared_ptr<ILayer> removed = layer.lock();  // both end unlocked, should this be their last reference
+    std::shared_ptr<ILayer> top;
     const std::lock_guard lock(layersMutex);
-    const std::shared_ptr<ILayer> removed = layer.lock();
     if (const auto position = findLayer(removed); position != layers.end()) {
         eraseLayer(position);
         removed->setVisible(false, !layers.empty());
@@ -96,7 +98,7 @@ void ZEMOMultiLayerManager::removeLayer(std::weak_ptr<ILayer> layer) {
     if (layers.empty()) {
         SetPriorityClass(GetCurrentProcess(), savedPriorityClass);
         setXInputEnabled(true);
-    } else if (const std::shared_ptr<ILayer> top = layers.back().lock()) {
+    } else if ((top = layers.back().lock())) {
         top->setVisible(true, true);
     }
 }
@@ -112,8 +114,10 @@ void ZEMOMultiLayerManager::repaintMainWindow() {
 
 void ZEMOMultiLayerManager::setImeProcess(uint32_t kind, const std::u16string* text, const uint32_t* repeatCount,
                                           void*) {
+    std::shared_ptr<ILayer> layer;  // ends unlocked, should this be its last reference
     const std::lock_guard lock(layersMutex);
-    if (const std::shared_ptr<ILayer> layer = topLayer()) layer->sendImeCommand(kind, text, repeatCount);
+    layer = topLayer();
+    if (layer) layer->sendImeCommand(kind, text, repeatCount);
 }
 
 void ZEMOMultiLayerManager::processSteamDeckKeyboardClose() {

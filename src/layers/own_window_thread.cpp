@@ -1,8 +1,9 @@
 // The own window's life. Order of events:
 //
-// 1. The constructor starts the thread and waits on a promise. The thread makes the window, centres and shows it, and
-//    stores the layer's address as the window's user data: from here on the class procedure looks for the layer. Only
-//    then is the promise fulfilled and the message loop entered. A failure on the way travels through the promise.
+// 1. The constructor starts the thread and waits. The thread makes the window, centres and shows it, and stores the
+//    layer's address as the window's user data: from here on the class procedure looks for the layer. Only then is the
+//    promise fulfilled and the message loop entered. A failure on the way travels through the promise. The window's
+//    owner may belong to the waiting thread, and showing the window sends that owner messages: the wait serves them.
 // 2. The layer is still being constructed then, on the other thread. Messages take the default way until
 //    ZEMOWindow::create attaches the complete object to the link.
 // 3. For each message the class procedure takes a strong reference from the link, so that a layer whose last owner goes
@@ -18,6 +19,8 @@
 #include <system_error>
 
 #include "core/log.h"
+#include "core/module_pin.h"
+#include "core/unique_handle.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"
@@ -63,22 +66,34 @@ void centreOnPrimaryScreen(HWND window) {
     SetWindowPos(window, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 
+/// Waits without taking anything off this thread's queue; messages that other threads send are answered meanwhile.
+void waitServingSentMessages(HANDLE event) {
+    while (MsgWaitForMultipleObjectsEx(1, &event, INFINITE, QS_SENDMESSAGE, 0) == WAIT_OBJECT_0 + 1) {
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+}
+
 }  // namespace
 
 struct ZEMOWindow::OwnThreadStart {
     ZEMOWindow* layer;
     std::shared_ptr<OwnWindowLink> link;
     std::promise<void> built;
+    HANDLE builtEvent;  ///< the waiting constructor's; set after the promise
 };
 
 void ZEMOWindow::createOwnWindow() {
     ownWindow = std::make_shared<OwnWindowLink>();
-    auto start = std::make_unique<OwnThreadStart>(OwnThreadStart{this, ownWindow, {}});
+    const Core::UniqueKernelHandle builtEvent(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    auto start = std::make_unique<OwnThreadStart>(OwnThreadStart{this, ownWindow, {}, builtEvent.get()});
     std::future<void> built = start->built.get_future();
+    Core::pinOwnModule();  // the window may stay on the screen when nobody needs the library any more
     const uintptr_t thread = _beginthreadex(nullptr, 0, ownWindowThread, start.get(), 0, nullptr);
     if (!thread) throw std::system_error(errno, std::generic_category(), "window thread");
     start.release();  // the thread's now
     CloseHandle(reinterpret_cast<HANDLE>(thread));
+    waitServingSentMessages(builtEvent.get());
     built.get();
 }
 
@@ -87,17 +102,20 @@ unsigned __stdcall ZEMOWindow::ownWindowThread(void* argument) {
     const std::shared_ptr<OwnWindowLink> link = start->link;
     threadLink = link.get();
     ZEMOWindow& layer = *start->layer;
+    const HANDLE builtEvent = start->builtEvent;
     try {
         layer.buildOwnWindow();
     } catch (...) {
         link->clearUserData();
         DestroyWindow(layer.window);
         start->built.set_exception(std::current_exception());
+        SetEvent(builtEvent);
         return 0;
     }
     const bool hasWindow = layer.window != nullptr;
-    start->built.set_value();  // the layer is its owner's from here on: no look at it but through the link
+    start->built.set_value();
     start.reset();
+    SetEvent(builtEvent);  // the layer is its owner's from here on: no look at it but through the link
     if (!hasWindow) return 0;
 
     MSG message;

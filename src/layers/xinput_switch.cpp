@@ -1,15 +1,20 @@
 #include "layers/xinput_switch.h"
 
-#include <initializer_list>
-
 namespace ZEMO::UI {
 
 XInputEnableFunction xinputEnableOverride = nullptr;
 
+namespace {
+
+// xinput9_1_0.dll has no such function.
+constexpr const wchar_t* kLibraries[] = {L"xinput1_4.dll", L"xinput1_3.dll", L"xinput1_2.dll", L"xinput1_1.dll"};
+
+}  // namespace
+
 XInputEnableFunction systemXInputEnable() {
     static const XInputEnableFunction found = []() -> XInputEnableFunction {
-        // xinput9_1_0.dll has no such function. The library found stays loaded: the switch is wanted until the end.
-        for (const wchar_t* name : {L"xinput1_4.dll", L"xinput1_3.dll"}) {
+        // The library found stays loaded: the switch is wanted until the end.
+        for (const wchar_t* name : kLibraries) {
             const HMODULE module = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
             if (!module) continue;
             if (const auto function = reinterpret_cast<XInputEnableFunction>(GetProcAddress(module, "XInputEnable")))
@@ -22,8 +27,23 @@ XInputEnableFunction systemXInputEnable() {
 }
 
 void setXInputEnabled(bool enabled) {
-    const XInputEnableFunction function = xinputEnableOverride ? xinputEnableOverride : systemXInputEnable();
-    if (function) function(enabled ? TRUE : FALSE);
+    const BOOL state = enabled ? TRUE : FALSE;
+    if (xinputEnableOverride) {
+        xinputEnableOverride(state);
+        return;
+    }
+    // Each version keeps a state of its own, and the one that counts is the one that the game reads.
+    bool switched = false;
+    for (const wchar_t* name : kLibraries) {
+        const HMODULE module = GetModuleHandleW(name);
+        const auto function =
+            module ? reinterpret_cast<XInputEnableFunction>(GetProcAddress(module, "XInputEnable")) : nullptr;
+        if (!function) continue;
+        function(state);
+        switched = true;
+    }
+    if (switched) return;
+    if (const XInputEnableFunction function = systemXInputEnable()) function(state);
 }
 
 }  // namespace ZEMO::UI

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -42,7 +41,10 @@ bool fileExists(const fs::path& path) {
 
 std::vector<uint8_t> readFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
-    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::vector<uint8_t> bytes;
+    char block[4096];
+    // Through the stream: its buffer alone would throw for a file that can't be read to its end.
+    while (file.read(block, sizeof block), file.gcount() > 0) bytes.insert(bytes.end(), block, block + file.gcount());
     if (file.bad()) bytes.clear();
     return bytes;
 }

@@ -26,7 +26,8 @@ Awareness queryAwareness() {
 
 float querySystemScale() {
     const Core::WindowDc screen(nullptr);
-    return static_cast<float>(GetDeviceCaps(screen.get(), LOGPIXELSX) / kDpiOfScaleOne);
+    const int dpi = screen ? GetDeviceCaps(screen.get(), LOGPIXELSX) : 0;
+    return dpi > 0 ? static_cast<float>(dpi / kDpiOfScaleOne) : 1.0f;
 }
 
 }  // namespace
