@@ -88,13 +88,13 @@ std::wstring to_wide(const std::string& utf8) {
     const int size = utf8.size() <= INT_MAX ? static_cast<int>(utf8.size()) : 0;
     const int expected = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0);
     if (expected <= 0) {
-        logDebugA("to_wide: 길이 조회 실패 (err=%lu)", GetLastError());
+        logDebugW(L"to_wide: 길이 조회 실패 (err=%lu)", GetLastError());
         return {};
     }
     std::wstring wide(static_cast<size_t>(expected), L'\0');
     const int written = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), expected);
     if (written != expected) {
-        logDebugA("to_wide: 변환 실패 (written=%d, expected=%d, err=%lu)", written, expected, GetLastError());
+        logDebugW(L"to_wide: 변환 실패 (written=%d, expected=%d, err=%lu)", written, expected, GetLastError());
         return {};
     }
     return wide;

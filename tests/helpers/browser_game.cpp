@@ -22,6 +22,7 @@
 
 #include "helpers/loopback_client.h"
 #include "helpers/stand_in_browser_stage.h"
+#include "support/exported.h"
 #include "zemo/url.h"
 
 namespace {
@@ -30,10 +31,6 @@ using ZEMO::Test::LoopbackClient;
 using ZEMO::Test::StandInBrowserStage;
 
 constexpr UINT kLeft = 42;
-constexpr char kOpenBrowser[] = "_ZN4ZEMO2UI11openBrowserERKNS_4Core4IURLE";
-constexpr char kSetCallback[] =
-    "_ZN4ZEMO2UI32setUIOpenExternalBrowserCallbackESt8functionIFbRKNSt7__cxx1112basic_stringIcSt11char_"
-    "traitsIcESaIcEEEEE";
 
 void require(bool holds, const char* what) {
     if (!holds) throw std::runtime_error(what);
@@ -49,8 +46,9 @@ public:
         for (int i = 0; i < 2; ++i) directory.resize(directory.find_last_of(L'\\'));
         module_ = LoadLibraryW((directory + L"\\ZEMOUIFramework.dll").c_str());
         require(module_, "library not loaded");
-        openBrowser_ = reinterpret_cast<OpenBrowser>(reinterpret_cast<void*>(GetProcAddress(module_, kOpenBrowser)));
-        setCallback_ = reinterpret_cast<SetCallback>(reinterpret_cast<void*>(GetProcAddress(module_, kSetCallback)));
+        openBrowser_ = reinterpret_cast<OpenBrowser>(ZEMO::Test::exportedUiFunction(module_, "openBrowser"));
+        setCallback_ =
+            reinterpret_cast<SetCallback>(ZEMO::Test::exportedUiFunction(module_, "setUIOpenExternalBrowserCallback"));
         require(openBrowser_ && setCallback_, "export missing");
     }
 

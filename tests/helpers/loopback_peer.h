@@ -23,6 +23,7 @@ struct LoopbackHttpManagerPeer {
     static bool isReadyWithin(LoopbackHttpManager& manager, std::chrono::milliseconds time) {
         return manager.readyFuture.wait_for(time) == std::future_status::ready;
     }
+    static bool isToldToStop(const LoopbackHttpManager& manager) { return !manager.running; }
     static std::size_t pendingCount(LoopbackHttpManager& manager) {
         const std::lock_guard lock(manager.requestsMutex);
         return manager.requests.size();

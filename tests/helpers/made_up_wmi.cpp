@@ -6,9 +6,9 @@
 #include <oleauto.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdio>
-#include <mutex>
+#include <future>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -142,6 +142,13 @@ public:
                                             IWbemContext*, IWbemServices** services) override {
         std::printf("wmi connect %ls\n", resource);
         if (fails(L"connect")) return WBEM_E_INVALID_NAMESPACE;
+        if (const std::wstring name = setting(L"MADE_UP_WMI_FIRST"); !name.empty()) {
+            static std::atomic<int> connections{0};
+            if (++connections > 1) return WBEM_E_INVALID_NAMESPACE;
+            const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
+            WaitForSingleObject(go, 20000);
+            CloseHandle(go);
+        }
         *services = new Services;
         return S_OK;
     }
@@ -173,11 +180,11 @@ public:
 }  // namespace
 
 void registerMadeUpWmi() {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool registered = false;
+    // Shared: the thread may still be in its telling when this returns.
+    const auto registered = std::make_shared<std::promise<void>>();
+    std::future<void> done = registered->get_future();
     // On a thread of its own, whose apartment stays: the functions under test begin without COM on their thread.
-    std::thread([&] {
+    std::thread([registered] {
         static Factory factory;
         DWORD cookie = 0;
         HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
@@ -186,15 +193,10 @@ void registerMadeUpWmi() {
                 CoRegisterClassObject(CLSID_WbemLocator, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
         }
         std::printf("wmi registered %08lx\n", result);
-        {
-            const std::lock_guard lock(mutex);
-            registered = true;
-            changed.notify_one();
-        }
+        registered->set_value();
         Sleep(INFINITE);
     }).detach();
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [&] { return registered; });
+    done.wait();
 }
 
 long madeUpWmiLiveObjects() { return liveObjects; }

@@ -4,10 +4,14 @@
 
 #include <objbase.h>
 
+#include <atomic>
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "helpers/made_up_wmi.h"
 #include "zemo/platform.h"
@@ -19,6 +23,8 @@
 //   sta, mta, uninit   COM on this thread
 //   wmi            the made-up management service; wmi-live: its living objects
 //   call=FUNCTION  "FUNCTION value TEXT" or "FUNCTION raised CLASS CODE MESSAGE"
+//   together=FUNCTION  the same from eight threads at a time, a line for each; the event MADE_UP_WMI_FIRST is set when
+//                      all have begun
 //   activations    how often the made-up runtime classes were activated
 // and those of platform_probe_ipc.cpp.
 namespace {
@@ -70,6 +76,28 @@ void call(const std::wstring& name) {
     }
 }
 
+void callTogether(const std::wstring& name) {
+    wchar_t eventName[256] = {};
+    GetEnvironmentVariableW(L"MADE_UP_WMI_FIRST", eventName, 256);
+    const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, eventName);
+    std::atomic<int> begun{0};
+    std::vector<std::string> results(8);
+    std::vector<std::thread> threads;
+    for (std::string& result : results) {
+        threads.emplace_back([&] {
+            ++begun;
+            result = kFunctions.at(name)();
+        });
+    }
+    while (begun < 8) std::this_thread::yield();
+    // Nothing shows that a thread has come as far as the lock. Were this too short, fewer than eight would wait there.
+    Sleep(200);
+    SetEvent(go);
+    for (std::thread& thread : threads) thread.join();
+    CloseHandle(go);
+    for (const std::string& result : results) std::printf("%ls value %s\n", name.c_str(), result.c_str());
+}
+
 void replaceMachineRoot(const std::wstring& path) {
     HKEY key = nullptr;
     LSTATUS status = RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_ALL_ACCESS, &key);
@@ -108,6 +136,8 @@ void run(const std::wstring& command) {
         std::printf("wmi live %ld\n", ZEMO::Test::madeUpWmiLiveObjects());
     } else if (name == L"call") {
         call(argument);
+    } else if (name == L"together") {
+        callTogether(argument);
     } else if (name == L"activations") {
         printActivations();
     } else if (!ZEMO::Test::runIpcCommand(name, argument)) {

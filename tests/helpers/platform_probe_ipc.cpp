@@ -1,16 +1,21 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "helpers/platform_probe.h"
 #include "support/debug_log.h"
 #include "zemo/platform.h"
 
 // The receiver's side, printed in hexadecimal so that every byte shows:
-//   window, shown   a hidden or a visible top-level window, whose WM_COPYDATA prints "window LENGTH"
+//   window, shown   a hidden or a visible top-level window, whose WM_COPYDATA prints "window LENGTH", or "NAME LENGTH"
+//                   for window=NAME
+//   owned=NAME      a hidden window that the last one owns
+//   threaded=NAME   a hidden window of a thread of its own, which dispatches its messages
 //   open=NAME       ipcOpen() with a callback that prints "NAME LENGTH HEX"; open without a name: an empty callback
 //   hook            an ordinary hook, which prints "other hook" when the chain reaches it
 //   log             captures the debug log from here on; logged: prints it, "log HEX" a call
@@ -33,22 +38,26 @@ void printHex(const std::string& text) {
 
 LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_COPYDATA) {
-        std::printf("window %lu\n", reinterpret_cast<const COPYDATASTRUCT*>(lParam)->cbData);
+        wchar_t name[100] = {};
+        GetWindowTextW(window, name, 100);
+        std::printf("%ls %lu\n", name, reinterpret_cast<const COPYDATASTRUCT*>(lParam)->cbData);
         std::fflush(stdout);
         return TRUE;
     }
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-void makeWindow(bool visible) {
+HWND makeWindow(const std::wstring& name, bool visible, HWND owner) {
     WNDCLASSW windowClass{};
     windowClass.lpfnWndProc = windowProcedure;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = L"ZemoPlatformProbe";
     RegisterClassW(&windowClass);  // the second time it is there already
-    lastWindow = CreateWindowExW(0, windowClass.lpszClassName, L"probe", WS_POPUP | (visible ? WS_VISIBLE : 0u), 0, 0,
-                                 320, 200, nullptr, nullptr, windowClass.hInstance, nullptr);
-    if (!lastWindow) std::puts("no window");
+    const HWND window = CreateWindowExW(0, windowClass.lpszClassName, name.empty() ? L"window" : name.c_str(),
+                                        WS_POPUP | (visible ? WS_VISIBLE : 0u), 0, 0, 320, 200, owner, nullptr,
+                                        windowClass.hInstance, nullptr);
+    if (!window) std::puts("no window");
+    return window;
 }
 
 LRESULT CALLBACK otherHook(int code, WPARAM wParam, LPARAM lParam) {
@@ -84,11 +93,26 @@ void pump() {
     while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
 }
 
+void makeThreadedWindow(const std::wstring& name) {
+    auto made = std::make_shared<std::promise<void>>();
+    auto isMade = made->get_future();
+    std::thread([name, made] {
+        makeWindow(name, false, nullptr);
+        made->set_value();
+        pump();
+    }).detach();  // it ends with the process
+    isMade.wait();
+}
+
 }  // namespace
 
 bool runIpcCommand(const std::wstring& name, const std::wstring& argument) {
     if (name == L"window" || name == L"shown") {
-        makeWindow(name == L"shown");
+        lastWindow = makeWindow(argument, name == L"shown", nullptr);
+    } else if (name == L"owned") {
+        lastWindow = makeWindow(argument, false, lastWindow);
+    } else if (name == L"threaded") {
+        makeThreadedWindow(argument);
     } else if (name == L"open") {
         openReceiver(utf8(argument));
     } else if (name == L"hook") {

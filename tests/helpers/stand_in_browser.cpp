@@ -66,6 +66,10 @@ int wmain(int argc, wchar_t** argv) {
     std::string record;
     appendField(record, "executable", executable);
     appendField(record, "directory", workingDirectory());
+    STARTUPINFOW startup{};
+    GetStartupInfoW(&startup);
+    const bool isTold = (startup.dwFlags & STARTF_USESHOWWINDOW) != 0;
+    appendField(record, "show", isTold ? std::to_wstring(startup.wShowWindow) : L"-1");
     for (int i = 1; i < argc; ++i) appendField(record, "argument", argv[i]);
 
     const std::wstring name = directory + L"\\" + std::to_wstring(GetCurrentProcessId());

@@ -37,6 +37,7 @@ BrowserStart readRecord(const fs::path& file) {
         const std::string value = line.substr(equals + 1);
         if (name == "executable") start.executable = value;
         if (name == "directory") start.directory = value;
+        if (name == "show") start.showCommand = std::stoi(value);
         if (name == "argument") start.arguments.push_back(value);
     }
     return start;

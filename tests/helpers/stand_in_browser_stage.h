@@ -13,6 +13,7 @@ namespace ZEMO::Test {
 struct BrowserStart {
     std::string executable;
     std::string directory;
+    int showCommand = -1;  // SW_...; -1 if it was told none
     std::vector<std::string> arguments;
 };
 

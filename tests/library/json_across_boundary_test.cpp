@@ -56,6 +56,7 @@ void expectNested(const JsonContainer& object) {
 
 }  // namespace
 
+#if defined(__GNUC__)
 TEST(JsonAcrossBoundary, Operations_RunInTheLibrary) {
     const HMODULE library = GetModuleHandleW(L"ZEMOUIFramework.dll");
     ASSERT_NE(library, nullptr);
@@ -64,6 +65,7 @@ TEST(JsonAcrossBoundary, Operations_RunInTheLibrary) {
     EXPECT_NE(GetProcAddress(library, "_ZN4ZEMO4Core13JsonContainerC1ERKS1_"), nullptr);
     EXPECT_NE(GetProcAddress(library, "_ZN4ZEMO4Core18JsonArrayContainerC1EOS1_"), nullptr);
 }
+#endif
 
 TEST(JsonAcrossBoundary, CopiesMadeInTheLibrary_ReadInTheProgram) {
     {

@@ -53,8 +53,13 @@ TEST(PlatformAcrossBoundary, TextAndLists_BelongToTheCaller) {
     std::string platform = getPlatform();
     platform.append(1000, 'x');
     EXPECT_EQ(platform.size(), 1001u);
-    auto gpus = getGPUModelList();
-    gpus.emplace_back("one more");
+    EXPECT_EQ(getPlatform(), "W");
+    const auto gpus = getGPUModelList();
+    ASSERT_FALSE(gpus.empty());
+    auto changed = getGPUModelList();
+    changed.front().append(1000, 'x');
+    changed.emplace_back("one more");
+    EXPECT_EQ(getGPUModelList(), gpus) << "the library keeps its own list";
     EXPECT_FALSE(getCpuType().empty());
     EXPECT_FALSE(getOsVersion().empty());
     EXPECT_FALSE(GetDynamicPort().empty());

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <clocale>
 #include <limits>
 
@@ -24,13 +25,25 @@ TEST(UiExports, LanguageUpdated_NothingHappens) {
     EXPECT_TRUE(log.lines().empty()) << log.dump();
 }
 
+std::atomic<int> imeCalls{0};
+
 TEST(UiExports, ImeStepWithoutALayer_NothingHappens) {
+    const DebugLogCapture log;
+    imeCalls = 0;
+    registerImeEventCallback([](auto...) { ++imeCalls; });
+    registerImeCompositionBoundsCallback([](auto...) { ++imeCalls; });
     const std::u16string text = u"한";
     const uint32_t repeat = 2;
     for (uint32_t kind = 0; kind < 4; ++kind) {
         setImeProcess(kind, &text, &repeat, nullptr);
         setImeProcess(kind, nullptr, nullptr, nullptr);
     }
+    registerImeEventCallback(nullptr);
+    registerImeCompositionBoundsCallback(nullptr);
+    EXPECT_EQ(imeCalls, 0);
+    EXPECT_EQ(text, u"한");
+    EXPECT_EQ(repeat, 2u);
+    EXPECT_TRUE(log.lines().empty()) << log.dump();
 }
 
 TEST(UiExports, EventsWithoutALayerOrWindow_NothingHappens) {

@@ -468,8 +468,20 @@ TEST(Url, DeletedThroughItsInterface_NothingLeaks) {
     EXPECT_EQ(url->getPath().size(), 101u);
 }
 
+// The rule of the join, over what the getters tell.
+std::string joined(const URL& url) {
+    std::string text = url.getScheme();
+    if (!text.empty()) text += !url.getHost().empty() || text == "file" ? "://" : ":";
+    text += url.getHost();
+    if (!url.getPort().empty()) text += ":" + url.getPort();
+    text += url.getPath();
+    if (!url.getQuery().empty()) text += "?" + url.getQuery();
+    if (!url.getFragment().empty()) text += "#" + url.getFragment();
+    return text;
+}
+
 // Texts put together from the bytes that the parser looks at: whatever it makes of them, the parts hold no separator
-// that would have cut them, and the text that is joined from them is the text that the join of a copy gives.
+// that would have cut them, and the whole text is joined from them by its rule.
 TEST(Url, RandomTexts_PartsHoldNoSeparatorOfTheirOwn) {
     const char* given = std::getenv("ZEMO_TEST_SEED");
     const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : 20261104u;
@@ -492,7 +504,7 @@ TEST(Url, RandomTexts_PartsHoldNoSeparatorOfTheirOwn) {
             ASSERT_FALSE(key.empty() || value.empty()) << text;
             ASSERT_EQ(url.getQueryParameter(key), value) << text;
         }
-        ASSERT_EQ(URL(url).getUrl(), url.getUrl());
+        ASSERT_EQ(url.getUrl(), joined(url)) << text;
         ASSERT_EQ(
             url.toEncodedString().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.~"
                                                     "%:/?#&="),

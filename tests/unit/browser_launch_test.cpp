@@ -162,39 +162,58 @@ std::string addressOf(int bytes, const char* scheme = "https") {
 }
 
 // Starts a launch and waits until its thread has let go of everything it captured: from then on it starts nothing more.
+// What the launch looks at is shared with it, so one that hangs is reported and finds it still there.
 class Launch {
 public:
+    struct State {
+        const HANDLE ended = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        OpenExternalBrowserCallback callback;
+        std::atomic<bool> hasKeyboard{false};
+        int callbackCalls = 0;
+        std::string urlOfCallback;
+        DWORD threadOfCallback = 0;
+
+        State() = default;
+        State(const State&) = delete;
+        State& operator=(const State&) = delete;
+        ~State() { CloseHandle(ended); }
+    };
     using Start = void (*)(std::string, BrowserLaunchSettings);
 
-    OpenExternalBrowserCallback callback;
-    bool hasKeyboard = false;
-    int callbackCalls = 0;
-    std::string urlOfCallback;
-    DWORD threadOfCallback = 0;
-
-    void run(Start start, const std::string& url) {
-        const HANDLE ended = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    /// False if the launch did not end; what it has changed may not be read then.
+    [[nodiscard]] bool run(Start start, const std::string& url) {
         {
-            const std::shared_ptr<void> token(nullptr, [ended](void*) { SetEvent(ended); });
-            start(url, {[this, token] { return callback; }, [this] { return hasKeyboard; }});
+            const std::shared_ptr<void> token(nullptr, [held = state](void*) { SetEvent(held->ended); });
+            start(url, {[held = state, token] { return held->callback; },
+                        [held = state] { return held->hasKeyboard.load(); }});
         }
-        EXPECT_EQ(WaitForSingleObject(ended, 60000), WAIT_OBJECT_0) << "the launch's thread did not end";
-        CloseHandle(ended);
+        const bool hasEnded = WaitForSingleObject(state->ended, 60000) == WAIT_OBJECT_0;
+        EXPECT_TRUE(hasEnded) << "the launch's thread did not end";
+        return hasEnded;
     }
 
+    // The callback is a part of the state and held with it: it need not hold it itself.
     void answer(bool value) {
-        callback = [this, value](const std::string& url) {
-            ++callbackCalls;
-            urlOfCallback = url;
-            threadOfCallback = GetCurrentThreadId();
+        state->callback = [held = state.get(), value](const std::string& url) {
+            ++held->callbackCalls;
+            held->urlOfCallback = url;
+            held->threadOfCallback = GetCurrentThreadId();
             return value;
         };
     }
+
+    const std::shared_ptr<State> state = std::make_shared<State>();
 };
 
 constexpr char kSeparator = '\\';
 
 std::string currentDirectory() { return toUtf8(std::filesystem::current_path().wstring()); }
+
+// The texts of the log; every line must have come by the wide call, since Korean text is cut up by the narrow one.
+std::vector<std::string> wideTexts(const DebugLogCapture& log) {
+    for (const auto& line : log.lines()) EXPECT_TRUE(line.wide) << line.text;
+    return log.texts();
+}
 
 void expectRedirect(const std::string& shortAddress, const std::string& url) {
     static const std::regex kPattern("http://127\\.0\\.0\\.1:([0-9]+)/\\?requestId=([0-9a-f]{16})");
@@ -213,16 +232,16 @@ void runCase(StandInBrowserStage& stage, const LaunchCase& row) {
 
     const std::string url = addressOf(row.urlBytes);
     Launch launch;
-    launch.hasKeyboard = row.hasKeyboard;
+    launch.state->hasKeyboard = row.hasKeyboard;
     if (row.answer != NoCallback) launch.answer(row.answer == True);
-    launch.run(row.window == Private ? openIncognitoExternalBrowser : openExternalBrowser, url);
+    ASSERT_TRUE(launch.run(row.window == Private ? openIncognitoExternalBrowser : openExternalBrowser, url));
     const std::vector<BrowserStart> starts = stage.takeStarts();
     stage.stopRunning();
 
-    EXPECT_EQ(launch.callbackCalls, row.answer == NoCallback ? 0 : 1);
+    EXPECT_EQ(launch.state->callbackCalls, row.answer == NoCallback ? 0 : 1);
     if (row.answer != NoCallback) {
-        EXPECT_EQ(launch.urlOfCallback, url);
-        EXPECT_NE(launch.threadOfCallback, GetCurrentThreadId());
+        EXPECT_EQ(launch.state->urlOfCallback, url);
+        EXPECT_NE(launch.state->threadOfCallback, GetCurrentThreadId());
     }
     if (row.way == Game) {
         EXPECT_TRUE(starts.empty());
@@ -231,6 +250,7 @@ void runCase(StandInBrowserStage& stage, const LaunchCase& row) {
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].executable, toUtf8(stage.install(row.defaultBrowser)));
     EXPECT_EQ(starts[0].directory, currentDirectory());
+    EXPECT_EQ(starts[0].showCommand, SW_SHOWNORMAL);
     switch (row.way) {
         case Direct:
             EXPECT_EQ(starts[0].arguments, std::vector<std::string>{url});
@@ -274,9 +294,9 @@ TEST(BrowserLaunch, UpperCaseScheme_LookedUpAsHttp) {
     stage.setCommand(L"https", L"\"" + stage.install(L"firefox.exe") + L"\" \"%1\"");
 
     Launch launch;
-    launch.run(openIncognitoExternalBrowser, "HTTPS://x");
-    launch.run(openIncognitoExternalBrowser, "https://x");
-    launch.run(openIncognitoExternalBrowser, "http://x");
+    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "HTTPS://x"));
+    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "https://x"));
+    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "http://x"));
     std::vector<std::vector<std::string>> seen;
     for (const BrowserStart& start : stage.takeStarts()) {
         auto line = start.arguments;
@@ -289,7 +309,7 @@ TEST(BrowserLaunch, UpperCaseScheme_LookedUpAsHttp) {
                                                            {"firefox.exe", "-private-window", "https://x"}}));
 
     // the rule of the long address looks at http as well, whose browser is the cold one
-    launch.run(openExternalBrowser, addressOf(801, "HTTPS"));
+    ASSERT_TRUE(launch.run(openExternalBrowser, addressOf(801, "HTTPS")));
     const auto redirected = stage.takeStarts();
     ASSERT_EQ(redirected.size(), 1u);
     ASSERT_EQ(redirected[0].arguments.size(), 1u);
@@ -300,28 +320,28 @@ TEST(BrowserLaunch, LauncherIsDefault_FlagFailureIsLoggedAndOrdinaryWindowOpens)
     StandInBrowserStage stage;
     stage.makeDefault(L"rundll32.exe");
     DebugLogCapture log;
-    Launch().run(openIncognitoExternalBrowser, "https://x/");
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{"https://x/"});
     const std::string path = toUtf8(stage.install(L"rundll32.exe"));
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"openIncognitoBrowser: 사생활 모드 플래그 결정 실패. exePath=[" +
-                                                    path + "] exeName=[rundll32.exe]"})
+    EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openIncognitoBrowser: 사생활 모드 플래그 결정 실패. exePath=[" +
+                                                       path + "] exeName=[rundll32.exe]"})
         << log.dump();
 }
 
 TEST(BrowserLaunch, NoDefaultBrowser_BothFailuresAreLoggedAndNothingStarts) {
     StandInBrowserStage stage;
     DebugLogCapture log;
-    Launch().run(openIncognitoExternalBrowser, "https://x/");
-    EXPECT_EQ(log.texts(), (std::vector<std::string>{
-                               "getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=https)",
-                               "openIncognitoBrowser: 사생활 모드 플래그 결정 실패. exePath=[] exeName=[]",
-                           }))
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
+    EXPECT_EQ(wideTexts(log), (std::vector<std::string>{
+                                  "getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=https)",
+                                  "openIncognitoBrowser: 사생활 모드 플래그 결정 실패. exePath=[] exeName=[]",
+                              }))
         << log.dump();
     log.clear();
-    Launch().run(openExternalBrowser, "http://x/");
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=http)"})
+    ASSERT_TRUE(Launch().run(openExternalBrowser, "http://x/"));
+    EXPECT_EQ(wideTexts(log), std::vector<std::string>{"getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=http)"})
         << log.dump();
     EXPECT_TRUE(stage.takeStarts().empty());
 }
@@ -332,13 +352,13 @@ TEST(BrowserLaunch, PrivateStartFails_IsLoggedAndOrdinaryWindowOpens) {
     const std::wstring path = stage.install(L"Browser.dat");
     stage.makeDefault(L"Browser.dat");
     DebugLogCapture log;
-    Launch().run(openIncognitoExternalBrowser, "https://x/");
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].executable, toUtf8(path));
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{"https://x/"});
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"openIncognitoBrowser: ShellExecute 실패(31). exe=" + toUtf8(path) +
-                                                    " flag=--incognito"})
+    EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openIncognitoBrowser: ShellExecute 실패(31). exe=" +
+                                                       toUtf8(path) + " flag=--incognito"})
         << log.dump();
 }
 
@@ -346,11 +366,11 @@ TEST(BrowserLaunch, EmptyAddress_IsLoggedWithItsLengthAndNothingStarts) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
     DebugLogCapture log;
-    Launch().run(openExternalBrowser, "");
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"openBrowser: URL 변환 실패로 중단 (length=0)"}) << log.dump();
+    ASSERT_TRUE(Launch().run(openExternalBrowser, ""));
+    EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openBrowser: URL 변환 실패로 중단 (length=0)"}) << log.dump();
     log.clear();
-    Launch().run(openIncognitoExternalBrowser, "");
-    EXPECT_EQ(log.texts(), std::vector<std::string>{"openIncognitoBrowser: URL 변환 실패로 중단 (length=0)"})
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, ""));
+    EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openIncognitoBrowser: URL 변환 실패로 중단 (length=0)"})
         << log.dump();
     EXPECT_TRUE(stage.takeStarts().empty());
 }
@@ -358,11 +378,11 @@ TEST(BrowserLaunch, EmptyAddress_IsLoggedWithItsLengthAndNothingStarts) {
 TEST(BrowserLaunch, InvalidUtf8AndKorean_LaunchGoesOn) {
     StandInBrowserStage stage;
     stage.makeDefault(L"firefox.exe");
-    Launch().run(openExternalBrowser, "http://x/\xff?q=한글");
+    ASSERT_TRUE(Launch().run(openExternalBrowser, "http://x/\xff?q=한글"));
     auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{"http://x/\uFFFD?q=한글"});
-    Launch().run(openIncognitoExternalBrowser, "http://x/\xff?q=한글");
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "http://x/\xff?q=한글"));
     starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, (std::vector<std::string>{"-private-window", "http://x/\uFFFD?q=한글"}));
@@ -371,7 +391,7 @@ TEST(BrowserLaunch, InvalidUtf8AndKorean_LaunchGoesOn) {
 TEST(BrowserLaunch, PrivateAddressWithBlanks_OneArgumentInQuotes) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
-    Launch().run(openIncognitoExternalBrowser, "http://x/a b  c");
+    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "http://x/a b  c"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, (std::vector<std::string>{"--incognito", "http://x/a b  c"}));
@@ -391,28 +411,33 @@ TEST(BrowserLaunch, SettingsWithoutQuestions_SystemBrowserOpens) {
 // The caller is not held up by a callback that takes its time, and every call has its own thread.
 TEST(BrowserLaunch, CallbackBlocks_CallsReturnAndRunBesideEachOther) {
     StandInBrowserStage stage;
-    const HANDLE entered = CreateSemaphoreW(nullptr, 0, 10, nullptr);
-    const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const HANDLE ended = CreateSemaphoreW(nullptr, 0, 10, nullptr);
-    std::atomic<int> threads{0};
+    struct Shared {
+        const HANDLE entered = CreateSemaphoreW(nullptr, 0, 10, nullptr);
+        const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        const HANDLE ended = CreateSemaphoreW(nullptr, 0, 10, nullptr);
+        std::atomic<int> threads{0};
+        ~Shared() {
+            for (const HANDLE handle : {entered, go, ended}) CloseHandle(handle);
+        }
+    };
+    const auto shared = std::make_shared<Shared>();
     for (int i = 0; i < 4; ++i) {
-        const std::shared_ptr<void> token(nullptr, [ended](void*) { ReleaseSemaphore(ended, 1, nullptr); });
-        openExternalBrowser("http://x", {[token, entered, go, &threads] {
-                                             return OpenExternalBrowserCallback([entered, go, &threads](const auto&) {
-                                                 ++threads;
-                                                 ReleaseSemaphore(entered, 1, nullptr);
-                                                 WaitForSingleObject(go, 60000);
+        const std::shared_ptr<void> token(nullptr, [shared](void*) { ReleaseSemaphore(shared->ended, 1, nullptr); });
+        openExternalBrowser("http://x", {[token, shared] {
+                                             return OpenExternalBrowserCallback([shared](const auto&) {
+                                                 ++shared->threads;
+                                                 ReleaseSemaphore(shared->entered, 1, nullptr);
+                                                 WaitForSingleObject(shared->go, 60000);
                                                  return true;
                                              });
                                          },
                                          {}});
     }
-    for (int i = 0; i < 4; ++i) ASSERT_EQ(WaitForSingleObject(entered, 30000), WAIT_OBJECT_0) << "only " << i;
-    EXPECT_EQ(threads, 4);
-    SetEvent(go);
-    for (int i = 0; i < 4; ++i) ASSERT_EQ(WaitForSingleObject(ended, 30000), WAIT_OBJECT_0) << "only " << i;
+    for (int i = 0; i < 4; ++i) ASSERT_EQ(WaitForSingleObject(shared->entered, 30000), WAIT_OBJECT_0) << "only " << i;
+    EXPECT_EQ(shared->threads, 4);
+    SetEvent(shared->go);
+    for (int i = 0; i < 4; ++i) ASSERT_EQ(WaitForSingleObject(shared->ended, 30000), WAIT_OBJECT_0) << "only " << i;
     EXPECT_TRUE(stage.takeStarts().empty());
-    for (const HANDLE handle : {entered, go, ended}) CloseHandle(handle);
 }
 
 // The game's settings are read by the launch itself, so a callback that sets the keyboard is seen by the same launch.
@@ -420,11 +445,11 @@ TEST(BrowserLaunch, CallbackChangesKeyboard_SameLaunchSeesIt) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
     Launch launch;
-    launch.callback = [&launch](const std::string&) {
-        launch.hasKeyboard = true;
+    launch.state->callback = [held = launch.state.get()](const std::string&) {
+        held->hasKeyboard = true;
         return false;
     };
-    launch.run(openExternalBrowser, addressOf(801));
+    ASSERT_TRUE(launch.run(openExternalBrowser, addressOf(801)));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{addressOf(801)});

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
+#include <memory>
 #include <thread>
 
 #include "browser/loopback_http_manager.h"
 #include "helpers/loopback_client.h"
 #include "helpers/loopback_peer.h"
+#include "support/replaced_call.h"
 
 // The responder when its socket can't be set up. The system's calls can't be made to fail here, so the entries of this
 // program's import table are replaced for the time of a test; all other calls are the real ones.
@@ -22,6 +25,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Peer = LoopbackHttpManagerPeer;
+using Test::ReplacedCall;
 
 std::atomic<int> calls{0};
 std::atomic<int> opened{0};
@@ -34,28 +38,14 @@ int WSAAPI noBind(SOCKET, const sockaddr*, int) { return ++calls, WSASetLastErro
 int WSAAPI noListen(SOCKET, int) { return ++calls, WSASetLastError(WSAENOBUFS), SOCKET_ERROR; }
 int WSAAPI noName(SOCKET, sockaddr*, int*) { return ++calls, WSASetLastError(WSAEFAULT), SOCKET_ERROR; }
 SOCKET WSAAPI countedSocket(int family, int type, int protocol) { return ++opened, realSocket(family, type, protocol); }
+std::promise<void> mayBind;
+decltype(&::bind) realBind = nullptr;
+int WSAAPI lateBind(SOCKET socket, const sockaddr* address, int size) {
+    ++calls;
+    mayBind.get_future().wait_for(20s);
+    return realBind(socket, address, size);
+}
 int WSAAPI countedClose(SOCKET socket) { return ++closed, realClose(socket); }
-
-/// One entry of the import table holds another function while this lives.
-template <class Function>
-class Replaced {
-public:
-    Replaced(Function& place, Function other) : entry(place), before(place) { write(other); }
-    ~Replaced() { write(before); }
-    Replaced(const Replaced&) = delete;
-    Replaced& operator=(const Replaced&) = delete;
-    Function original() const { return before; }
-
-private:
-    void write(Function function) {
-        DWORD protection = 0;
-        VirtualProtect(&entry, sizeof entry, PAGE_READWRITE, &protection);
-        entry = function;
-        VirtualProtect(&entry, sizeof entry, protection, &protection);
-    }
-    Function& entry;
-    Function before;
-};
 
 class LoopbackSetup : public testing::Test {
 protected:
@@ -78,27 +68,47 @@ protected:
         EXPECT_EQ(closed, sockets) << "no socket is left";
     }
 
-    Replaced<decltype(&::socket)> socketEntry{__imp_socket, &countedSocket};
-    Replaced<decltype(&::closesocket)> closeEntry{__imp_closesocket, &countedClose};
+    ReplacedCall<decltype(&::socket)> socketEntry{__imp_socket, &countedSocket};
+    ReplacedCall<decltype(&::closesocket)> closeEntry{__imp_closesocket, &countedClose};
 };
 
 TEST_F(LoopbackSetup, NoSocket_NeverReadyAndEndsCleanly) {
-    const Replaced<decltype(&::socket)> failing(__imp_socket, &noSocket);
+    const ReplacedCall<decltype(&::socket)> failing(__imp_socket, &noSocket);
     expectNeverReady(0);
 }
 
 TEST_F(LoopbackSetup, NotBound_NeverReadyAndSocketIsClosedAtTheEnd) {
-    const Replaced<decltype(&::bind)> failing(__imp_bind, &noBind);
+    const ReplacedCall<decltype(&::bind)> failing(__imp_bind, &noBind);
     expectNeverReady(1);
 }
 
 TEST_F(LoopbackSetup, NotListening_NeverReadyAndSocketIsClosedAtTheEnd) {
-    const Replaced<decltype(&::listen)> failing(__imp_listen, &noListen);
+    const ReplacedCall<decltype(&::listen)> failing(__imp_listen, &noListen);
     expectNeverReady(1);
 }
 
+// The end has begun while the worker is still on its way to its port: it comes that far, serves nobody and goes.
+TEST_F(LoopbackSetup, StoppedBeforeReady_EndsCleanlyAndNothingListens) {
+    const ReplacedCall<decltype(&::bind)> late(__imp_bind, &lateBind);
+    realBind = late.original();
+    mayBind = {};
+    auto manager = std::make_unique<LoopbackHttpManager>();
+    const LoopbackHttpManager& ending = *manager;
+    for (int i = 0; calls == 0 && i < 20'000; ++i) std::this_thread::sleep_for(1ms);
+    ASSERT_EQ(calls, 1) << "the worker did not come to its port";
+    EXPECT_FALSE(Peer::isToldToStop(ending));
+    auto end = std::async(std::launch::async, [&manager] { manager.reset(); });
+    for (int i = 0; !Peer::isToldToStop(ending) && i < 20'000; ++i) std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(Peer::isToldToStop(ending));
+    EXPECT_EQ(end.wait_for(100ms), std::future_status::timeout) << "the worker is not waited for";
+    mayBind.set_value();
+    ASSERT_EQ(end.wait_for(20s), std::future_status::ready);
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(closed, 1);
+}
+
 TEST_F(LoopbackSetup, PortNotTold_ReadyWithAnEmptyPort) {
-    const Replaced<decltype(&::getsockname)> failing(__imp_getsockname, &noName);
+    const ReplacedCall<decltype(&::getsockname)> failing(__imp_getsockname, &noName);
     {
         LoopbackHttpManager manager;
         EXPECT_TRUE(Peer::isReadyWithin(manager, 20s));

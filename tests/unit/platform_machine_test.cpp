@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <locale>
@@ -11,7 +12,13 @@
 
 #include "core/platform_machine.h"
 #include "core/platform_text.h"
+#include "support/replaced_call.h"
 #include "zemo/platform.h"
+
+extern "C" {
+extern decltype(&::GetComputerNameExW) __imp_GetComputerNameExW;
+extern decltype(&::GetUserNameW) __imp_GetUserNameW;
+}
 
 namespace {
 
@@ -51,6 +58,44 @@ TEST(PlatformUserName, ComparedWithProcessToken_SameAccount) {
                                   domain, &domainSize, &use));
     ASSERT_STRNE(name, L"");
     EXPECT_EQ(getUserName(), ZEMO::Core::wideToUtf8(name));
+}
+
+// Neither call can be made to fail here: this program's imports of them are replaced.
+struct NameAsked {
+    int kind = -1;
+    DWORD size = 0;
+    bool isZeroed = false;
+};
+NameAsked nameAsked;
+
+bool allZero(const wchar_t* text, DWORD size) {
+    return std::all_of(text, text + size, [](wchar_t c) { return c == 0; });
+}
+
+BOOL WINAPI noComputerName(COMPUTER_NAME_FORMAT kind, wchar_t* name, DWORD* size) {
+    nameAsked = {kind, *size, *size == 1024 && allZero(name, *size)};
+    *size = 2000;
+    return SetLastError(ERROR_MORE_DATA), FALSE;
+}
+BOOL WINAPI noUserName(wchar_t* name, DWORD* size) {
+    nameAsked = {0, *size, *size == 257 && allZero(name, *size)};
+    *size = 300;
+    return SetLastError(ERROR_INSUFFICIENT_BUFFER), FALSE;
+}
+
+TEST(PlatformDeviceName, SystemRefuses_Empty) {
+    const ZEMO::Test::ReplacedCall<decltype(&::GetComputerNameExW)> failing(__imp_GetComputerNameExW, &noComputerName);
+    EXPECT_EQ(getDeviceName(), "");
+    EXPECT_EQ(nameAsked.kind, ComputerNameDnsHostname);
+    EXPECT_EQ(nameAsked.size, 1024u);
+    EXPECT_TRUE(nameAsked.isZeroed);
+}
+
+TEST(PlatformUserName, SystemRefuses_Empty) {
+    const ZEMO::Test::ReplacedCall<decltype(&::GetUserNameW)> failing(__imp_GetUserNameW, &noUserName);
+    EXPECT_EQ(getUserName(), "");
+    EXPECT_EQ(nameAsked.size, 257u);
+    EXPECT_TRUE(nameAsked.isZeroed);
 }
 
 TEST(PlatformCpuType, EachArchitecture_HasItsName) {

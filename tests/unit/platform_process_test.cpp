@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -50,21 +51,17 @@ TEST(PlatformProcess, RunningProgram_FoundByItsFileName) {
     EXPECT_EQ(getProcessorID(name), 0);
 }
 
-TEST(PlatformProcess, UpperCaseName_FindsLowerCaseProgram) {
-    const NamedProgram program(L"chrome.exe");
+// Not under a browser's name: tests of the browser launch look which browsers run.
+TEST(PlatformProcess, UpperCaseName_FindsMixedCaseProgram) {
+    const std::string name = own("zemo_Mixed_");
+    const NamedProgram program(ZEMO::Core::utf8ToWide(name));
     HelperProcess process(program.path(), {L"ready", L"pump"});
     ASSERT_TRUE(waits(process)) << process.output();
-    const long id = getProcessorID("CHROME.EXE");
-    ASSERT_NE(id, 0);
-    // Another test may run a program of that name as well: whichever was found must be one.
-    const HANDLE found = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(id));
-    ASSERT_NE(found, nullptr);
-    wchar_t path[1024] = {};
-    DWORD size = 1024;
-    const BOOL named = QueryFullProcessImageNameW(found, 0, path, &size);
-    CloseHandle(found);
-    ASSERT_TRUE(named);
-    EXPECT_TRUE(std::wstring(path).ends_with(L"\\chrome.exe")) << ZEMO::Core::wideToUtf8(path);
+    std::string upper = name, lower = name;
+    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    EXPECT_EQ(getProcessorID(upper), static_cast<long>(process.id())) << upper;
+    EXPECT_EQ(getProcessorID(lower), static_cast<long>(process.id())) << lower;
 }
 
 TEST(PlatformProcess, KoreanName_Found) {

@@ -5,9 +5,15 @@
 #include <string>
 #include <vector>
 
+#include "support/far_file.h"
 #include "support/helper_process.h"
 #include "support/made_up_machine.h"
+#include "support/replaced_call.h"
 #include "zemo/platform.h"
+
+extern "C" {
+extern decltype(&::GetModuleFileNameW) __imp_GetModuleFileNameW;
+}
 
 namespace {
 
@@ -131,6 +137,28 @@ TEST(PlatformAppVersion, ExecutableInKoreanFolder_ItsProductVersion) {
     EXPECT_EQ(runHelper(copy, {L"call=getAppVersion"}).front(), "getAppVersion value 65535.7.40000.12");
     for (int i = 0; i < 100 && !DeleteFileW(copy.c_str()); ++i) Sleep(20);  // its file may close a moment after its end
     EXPECT_TRUE(RemoveDirectoryW(folder.c_str()));
+}
+
+// A program of a path too long for the room of 1024 characters can't be started here: this program's import of the
+// call that names it is replaced. The file is a real one.
+std::wstring longPath;
+DWORD WINAPI namedLong(HMODULE module, wchar_t* path, DWORD size) {
+    if (module || size == 0) return 0;
+    const bool fits = longPath.size() < size;
+    const size_t count = fits ? longPath.size() : size - 1;
+    longPath.copy(path, count);
+    path[count] = L'\0';
+    if (!fits) SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return fits ? static_cast<DWORD>(count) : size;
+}
+
+TEST(PlatformAppVersion, PathFillsTheRoom_ItsProductVersionAndWithOneMoreEmpty) {
+    for (const size_t length : {300u, 1023u, 1024u}) {
+        const FarFile program(helperPath(L"platform_probe.exe"), L"program.exe", length);
+        longPath = program.path();
+        const ReplacedCall<decltype(&::GetModuleFileNameW)> named(__imp_GetModuleFileNameW, &namedLong);
+        EXPECT_EQ(getAppVersion(), length < 1024 ? "65535.7.40000.12" : "") << length;
+    }
 }
 
 }  // namespace

@@ -90,6 +90,16 @@ TEST(PlatformWmi, KnownOnce_NotAskedAgain) {
                                   "getGPUModelList value [one]", "com 00000000", "getDeviceModel value one", "done"));
 }
 
+// The first of them finds the model, and every later look-up would fail: those that waited must not wipe it.
+TEST(PlatformDeviceModel, ThreadsAskTogether_AllGetWhatTheFirstFound) {
+    const std::wstring event = L"ZemoWmiFirst" + std::to_wstring(GetCurrentProcessId());
+    const Lines lines = probe({L"set=MADE_UP_WMI_VALUES=found", L"set=MADE_UP_WMI_FIRST=" + event, L"wmi",
+                               L"together=getDeviceModel", L"call=getDeviceModel", L"wmi-live"});
+    EXPECT_THAT(lines, testing::Contains("getDeviceModel value found").Times(9));
+    EXPECT_THAT(lines, testing::Contains("wmi connect ROOT\\CIMV2").Times(1));
+    EXPECT_THAT(lines, testing::Contains("wmi live 0"));
+}
+
 TEST(PlatformWmi, StepFails_EmptyAndAllIsReleasedAndTheNextCallAsksAgain) {
     for (const wchar_t* step : {L"connect", L"blanket", L"query"}) {
         const Lines lines =

@@ -69,6 +69,33 @@ private:
     DWORD thread_ = 0;
 };
 
+/// The names of a process's top-level windows in the order of EnumWindows, which is front to back.
+std::vector<std::string> windowsOf(const std::string& processId) {
+    struct Search {
+        DWORD processId;
+        std::vector<std::string> names;
+    } search{static_cast<DWORD>(std::stoul(processId)), {}};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& search = *reinterpret_cast<Search*>(parameter);
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            char name[100] = {};
+            if (owner == search.processId && GetWindowTextA(window, name, 100) > 0) search.names.push_back(name);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.names;
+}
+
+/// Puts the window in front of all others, without activating it.
+void bringToFront(const char* name) {
+    const HWND window = FindWindowA("ZemoPlatformProbe", name);
+    ASSERT_NE(window, nullptr) << name;
+    ASSERT_TRUE(
+        SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOACTIVATE | SWP_NOMOVE | SWP_NOSIZE | SWP_NOOWNERZORDER));
+}
+
 /// ipcSend() on a thread of its own, so that a test can see whether it has returned.
 class Sending {
 public:
@@ -146,6 +173,43 @@ TEST(Ipc, HiddenAndVisibleWindows_BothReceive) {
         ipcSend(receiver.id(), "hello");
         EXPECT_EQ(receiver.next("A"), got("A", "hello"));
     }
+}
+
+TEST(Ipc, SeveralWindows_OnlyTheFirstOfTheSystemsListReceives) {
+    Receiver receiver({L"window=one", L"window=two", L"window=three", L"open=A", L"ready", L"pump"});
+    for (const char* name : {"one", "three", "two"}) {
+        bringToFront(name);
+        ASSERT_EQ(windowsOf(receiver.id()).front(), name);
+        ipcSend(receiver.id(), name);
+        EXPECT_EQ(receiver.next("A"), got("A", name));
+        EXPECT_EQ(receiver.next(name), name + std::string(" 10000"));
+    }
+    const auto lines = receiver.finish();
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), [](auto& line) { return line.ends_with(" 10000"); }), 3)
+        << receiver.process().output();
+}
+
+TEST(Ipc, OwnedWindowIsFirst_ItReceives) {
+    Receiver receiver({L"window=owner", L"owned=owned", L"open=A", L"ready", L"pump"});
+    bringToFront("owned");
+    ASSERT_EQ(windowsOf(receiver.id()).front(), "owned");
+    ipcSend(receiver.id(), "hello");
+    EXPECT_EQ(receiver.next("owned"), "owned 10000");
+    EXPECT_THAT(receiver.finish(), testing::IsSupersetOf({got("A", "hello"), std::string("owned 10000")}));
+}
+
+// The receiver's callback belongs to the thread that called ipcOpen(): a text for another thread's window passes it by.
+TEST(Ipc, WindowOfAnotherThreadIsFirst_ThatWindowAloneSeesTheMessage) {
+    Receiver receiver({L"window=own", L"threaded=other", L"open=A", L"ready", L"pump"});
+    bringToFront("other");
+    ASSERT_EQ(windowsOf(receiver.id()).front(), "other");
+    ipcSend(receiver.id(), "past it");
+    EXPECT_EQ(receiver.next("other"), "other 10000");
+    bringToFront("own");
+    ASSERT_EQ(windowsOf(receiver.id()).front(), "own");
+    ipcSend(receiver.id(), "to it");
+    EXPECT_EQ(receiver.next("A"), got("A", "to it"));
+    EXPECT_THAT(receiver.finish(), testing::Not(testing::Contains(got("A", "past it"))));
 }
 
 TEST(Ipc, CallbackAndWindow_BothSeeTheMessageInThisOrder) {
