@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "api/zemo_web_view_window.h"
@@ -116,11 +117,10 @@ TEST(Facade, NavigationStarting_MainWindowIsRepainted) {
     game.pass(300ms);
     game.gameMessages.clear();
     game.pass(300ms);
-    ASSERT_EQ(std::count(game.gameMessages.begin(), game.gameMessages.end(), UINT{WM_PAINT}), 0) << "not quiet";
+    ASSERT_EQ(std::ranges::count(game.gameMessages, UINT{WM_PAINT}, &GameMessage::id), 0) << "not quiet";
     view->navigationStarting(view);
     EXPECT_TRUE(game.waitFor(
-        "WM_PAINT", [&] { return std::count(game.gameMessages.begin(), game.gameMessages.end(), UINT{WM_PAINT}) == 1; },
-        5s));
+        "WM_PAINT", [&] { return std::ranges::count(game.gameMessages, UINT{WM_PAINT}, &GameMessage::id) == 1; }, 5s));
 }
 
 }  // namespace ZEMO::Test
