@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "controller/controller_scripts.h"
 #include "core/process_end.h"
@@ -48,7 +49,8 @@ ZEMOWebViewWindow::~ZEMOWebViewWindow() {
     isClosed = true;
     if (Core::isProcessEnding()) {
         // A view in a static object of another module: the threads are gone, with whatever locks they held.
-        (void)std::make_unique<std::shared_ptr<WebLayer>>(std::move(layer)).release();
+        static auto& left = *std::make_unique<std::vector<std::shared_ptr<WebLayer>>>().release();
+        left.push_back(std::move(layer));
         return;
     }
     if (displayMode == kModeLayer && layer) ZEMOMultiLayerManager::instance().removeLayer(layer);

@@ -98,8 +98,9 @@ void ZEMOMultiLayerManager::removeLayer(std::weak_ptr<ILayer> layer) {
     if (layers.empty()) {
         SetPriorityClass(GetCurrentProcess(), savedPriorityClass);
         setXInputEnabled(true);
-    } else if ((top = layers.back().lock())) {
-        top->setVisible(true, true);
+    } else {
+        top = layers.back().lock();
+        if (top) top->setVisible(true, true);
     }
 }
 
