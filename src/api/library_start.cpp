@@ -5,6 +5,7 @@
 #include "core/process_state.h"
 #include "engine/cef_module.h"
 #include "layers/layer_manager.h"
+#include "layers/xinput_switch.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -36,6 +37,7 @@ int startLibrary(bool withCustomScheme) {
     auto& manager = ZEMOMultiLayerManager::instance();
     manager.setMainWindow(findMainWindow());
     manager.subclassMainWindow();
+    systemXInputEnable();  // loaded here, where the game waits anyway; at the first view it would cost several frames
     return result;
 }
 

@@ -115,6 +115,12 @@ TEST(EngineStart, LanguageUpdatedWhileRunning_PagesKeepTheirs) {
     EXPECT_EQ(languageOf("/after"), before);
 }
 
+TEST(EngineStart, Started_XInputIsLoadedBeforeTheFirstView) {
+    ASSERT_EQ(GetModuleHandleW(L"xinput1_4.dll"), nullptr);
+    GameHost game;
+    EXPECT_NE(GetModuleHandleW(L"xinput1_4.dll"), nullptr) << "loading it takes as long as several frames of a game";
+}
+
 TEST(EngineStart, SecondTestView_ReleasesTheFirst) {
     GameHost game;
     auto& manager = ZEMOMultiLayerManager::instance();
