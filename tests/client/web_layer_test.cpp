@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-
+#include "client/engine_task.h"
 #include "engine/game_host.h"
 #include "include/cef_browser.h"
-#include "include/cef_task.h"
 #include "layers/web_layer.h"
 #include "support/http_server.h"
 
@@ -23,16 +21,6 @@ public:
 private:
     ZEMO::Core::URL url;
     int kind;
-};
-
-class FunctionTask : public CefTask {
-public:
-    explicit FunctionTask(std::function<void()> work) : function(std::move(work)) {}
-    void Execute() override { function(); }
-
-private:
-    std::function<void()> function;
-    IMPLEMENT_REFCOUNTING(FunctionTask);
 };
 
 class WebLayerTest : public ::testing::Test {
@@ -118,12 +106,11 @@ TEST_F(WebLayerTest, BrowserMade_PaintsAtThirtyFramesASecond) {
     const auto layer = makeLayer();
     layer->loadPage("start", false);
     ASSERT_TRUE(game.waitFor("the page", [&] { return events->has("completed"); }));
-    std::atomic<int> rate{0};
-    CefPostTask(TID_UI, new FunctionTask([&] {
-                    const CefRefPtr<CefBrowser> browser = CefBrowserHost::GetBrowserByIdentifier(1);
-                    rate = browser ? browser->GetHost()->GetWindowlessFrameRate() : -1;
-                }));
-    ASSERT_TRUE(game.waitFor("the engine thread", [&] { return rate != 0; }));
+    int rate = 0;
+    ASSERT_TRUE(runOnEngine(game, [&] {
+        const CefRefPtr<CefBrowser> browser = CefBrowserHost::GetBrowserByIdentifier(1);
+        rate = browser ? browser->GetHost()->GetWindowlessFrameRate() : -1;
+    }));
     EXPECT_EQ(rate, 30);
 }
 
