@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <mutex>
 
 #include "engine_module.h"
@@ -11,6 +12,7 @@ namespace {
 
 std::mutex loadMutex;
 bool loaded = false;
+std::atomic<HMODULE> engineModule = nullptr;
 
 std::string utf8(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
@@ -48,6 +50,7 @@ bool load(const std::wstring& directory, std::string& failure) {
         failure = "loading " + utf8(file) + " failed with error " + std::to_string(error);
         return false;
     }
+    engineModule = module;
     HMODULE pinned = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                             reinterpret_cast<const wchar_t*>(module), &pinned)) {
@@ -79,6 +82,8 @@ bool cefLoadLibrary(const wchar_t* directory, std::string* reason) {
     if (!loaded && reason) *reason = failure;
     return loaded;
 }
+
+void* cefLibraryModule() { return engineModule; }
 
 bool cefVersionMatches(std::string* found, std::string* expected) {
     const std::string made = versionText(CEF_VERSION_MAJOR, CEF_VERSION_MINOR, CEF_VERSION_PATCH, CHROME_VERSION_MAJOR,

@@ -12,6 +12,9 @@
 /// global function of the engine does nothing and answers 0, false, null or an empty string.
 bool cefLoadLibrary(const wchar_t* directory, std::string* reason = nullptr);
 
+/// The loaded engine's module (an HMODULE); null until cefLoadLibrary has found the file. Any thread, without a lock.
+void* cefLibraryModule();
+
 /// True when the loaded engine is the version that this binding was made for.  `found` and `expected` become texts such
 /// as "131.3.5+chromium-131.0.6778.205"; `found` is empty when no engine is loaded.
 bool cefVersionMatches(std::string* found = nullptr, std::string* expected = nullptr);

@@ -3,6 +3,7 @@
 #include <shellapi.h>
 
 #include <system_error>
+#include <unordered_set>
 
 #include "core/log.h"
 #include "core/process_end.h"
@@ -29,6 +30,17 @@ namespace {
 /// How long the end of a view waits for a frame that the game is just taking. A consumer that blocks longer breaks its
 /// contract; the end then goes on, and the notice that nothing is left to show follows that frame.
 constexpr auto kPaintGrace = std::chrono::milliseconds(500);
+
+// Never destroyed: views that a game leaks outlive every static object.
+struct LiveHandlers {
+    std::mutex mutex;
+    std::unordered_set<CefHandler*> handlers;
+};
+LiveHandlers& liveHandlers() {
+    static auto* const instance = std::make_unique<LiveHandlers>().release();
+    return *instance;
+}
+int liveBrowserCount = 0;  // engine thread
 
 std::unique_ptr<CefRenderImpl> chooseRenderImpl(HMODULE hookModule, uint32_t hookSleepTime,
                                                 OsrFramePresentCallback callback, float scale, bool hasCloseButton) {
@@ -59,9 +71,15 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, uin
     ensureRenderer();
     contextMenuHandler = new CefContextualMenuHandler;
     renderThread = std::thread(&CefHandler::renderThreadMain, this);
+    const std::lock_guard lock(liveHandlers().mutex);
+    liveHandlers().handlers.insert(this);
 }
 
 CefHandler::~CefHandler() {
+    {
+        const std::lock_guard lock(liveHandlers().mutex);
+        liveHandlers().handlers.erase(this);
+    }
     stopRenderThread();
     renderImpl.reset();
 }
@@ -74,8 +92,30 @@ CefRefPtr<CefBrowser> CefHandler::getBrowser() {
 void CefHandler::stopRenderThread() {
     stopped.exchange(true);
     SetEvent(stopEvent.get());
+    const std::lock_guard lock(renderThreadMutex);
     if (renderThread.joinable()) renderThread.join();
 }
+
+void CefHandler::letGoOfBrowser() {
+    CefRefPtr<CefBrowser> closedBrowser;
+    {
+        const std::lock_guard lock(browserMutex);
+        closedBrowser.swap(browser);
+        javascriptProcessor->setBrowser(nullptr);
+    }
+    if (closedBrowser) CefPostTask(TID_UI, new CloseBrowserTask(closedBrowser));
+}
+
+void CefHandler::leaveEngine() {
+    const std::lock_guard lock(liveHandlers().mutex);
+    for (CefHandler* const handler : liveHandlers().handlers) {
+        handler->markClosing();
+        handler->stopRenderThread();
+        handler->letGoOfBrowser();
+    }
+}
+
+int CefHandler::liveBrowsers() { return liveBrowserCount; }
 
 void CefHandler::close() {
     if (Core::isProcessEnding()) {
@@ -86,13 +126,7 @@ void CefHandler::close() {
     stopRenderThread();
     setPasswordFieldFocused(false);
 
-    CefRefPtr<CefBrowser> closedBrowser;
-    {
-        const std::lock_guard lock(browserMutex);
-        closedBrowser.swap(browser);
-        javascriptProcessor->setBrowser(nullptr);
-    }
-    if (closedBrowser) CefPostTask(TID_UI, new CloseBrowserTask(closedBrowser));
+    letGoOfBrowser();
 
     const bool onGameWindow = windowStyle == WindowStyle::Layer;
     clearPending = onGameWindow;
@@ -154,6 +188,7 @@ bool CefHandler::OnBeforePopup(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefF
 
 void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
     if (!CefCurrentlyOn(TID_UI)) return;
+    ++liveBrowserCount;
     {
         const std::lock_guard lock(browserMutex);
         if (!stopped) {
@@ -169,6 +204,7 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
 }
 
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
+    --liveBrowserCount;
     if (windowStyle != WindowStyle::Window) return;
     // The user may have closed the window long ago, and its handle may name another program's now.
     DWORD process = 0;

@@ -48,6 +48,12 @@ public:
     CefRefPtr<CefBrowser> getBrowser();
     std::shared_ptr<JavascriptProcessor> getJavascriptProcessor() { return javascriptProcessor; }
 
+    /// As the process exits: ends every view's use of the engine without a word to its consumer, whose game may be half
+    /// gone. The views stay as they are and show nothing more. Engine thread.
+    static void leaveEngine();
+    /// Browsers that the engine has made and not closed yet. Engine thread.
+    static int liveBrowsers();
+
     /// Ends the view: the render thread is joined, the browser told to close, the consumer told that nothing is left to
     /// show. Does not wait for the browser. Must not run on the render thread.
     void close();
@@ -138,6 +144,7 @@ private:
     void renderThreadMain();
     bool waitForNextCycle();
     void stopRenderThread();
+    void letGoOfBrowser();
     void onPasswordFieldFocus(CefRefPtr<CefBrowser> browser, bool focused);
 
     // Shared between threads.
@@ -168,6 +175,7 @@ private:
     uint32_t hookSleepTime;
     float dpiScale;  ///< device pixels for each logical pixel, taken once
     std::unique_ptr<CefRenderImpl> renderImpl;
+    std::mutex renderThreadMutex;  ///< one join, of the view's end or of the exit
     std::thread renderThread;
 
     IMPLEMENT_REFCOUNTING(CefHandler);

@@ -5,6 +5,9 @@
 #include "core/log.h"
 #include "core/module_paths.h"
 #include "core/module_pin.h"
+#include "core/process_end.h"
+#include "core/sent_messages.h"
+#include "engine/cef_handler.h"
 #include "engine/engine_files.h"
 #include "engine/engine_library.h"
 #include "engine/runtime_selection.h"
@@ -18,17 +21,24 @@
 // engine's loop.
 //
 // Stop: a quit task ends that loop, the engine shuts down on its own thread, the thread is joined, the lock file goes.
-// This needs a living engine thread, and so happens only while the process goes on. When the process ends, by return
-// from main or ExitProcess, the system takes all other threads away before the module entry point hears of it: there is
-// nobody left to run the quit task, so only the lock is given up (abandon); the engine's child processes see their
-// pipes close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its
-// own that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread
-// needs the loader to finish. Hence the pin.
+// This needs a living engine thread. A program that returns from main or calls exit leaves it alive long enough: a hook
+// of the C runtime closes what is open and stops the engine in that order, for two seconds at most (stopAtExit). An
+// ExitProcess does not: the system takes all other threads away before the module entry point hears of it. There is
+// nobody left to run the quit task, so only the lock is given up, and the engine's library is not called any more,
+// since it would wait for a lock that one of those threads held (abandon); the engine's child processes see their pipes
+// close and end. FreeLibrary can't unmap the library once the engine has started: the engine keeps threads of its own
+// that no shutdown ends, and waiting for the engine thread under the loader's lock would hang, since that thread needs
+// the loader to finish. Hence the pin.
 namespace ZEMO::UI {
 namespace {
 
 constexpr DWORD kPathCharacters = 260;
 constexpr int kNameCharacters = 100;
+
+// At an exit: for all of it, for the browsers to close, between two looks at them.
+constexpr DWORD kExitMs = 2000;
+constexpr ULONGLONG kCloseMs = 1000;
+constexpr int64_t kCloseCheckMs = 10;
 
 // Outlives every static object's destructor: at process end the engine thread may be gone with the object in use.
 std::shared_ptr<CefModule>& cefModuleInstance() {
@@ -47,6 +57,31 @@ std::wstring localeName(LCTYPE what) {
     GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), what, buffer, kNameCharacters);
     return buffer;
 }
+
+// Ends the engine's loop once every browser has closed, or when they have had their time.
+class QuitWhenClosedTask : public CefTask {
+public:
+    explicit QuitWhenClosedTask(ULONGLONG endTime) : deadline(endTime) {}
+    void Execute() override {
+        if (CefHandler::liveBrowsers() == 0 || GetTickCount64() >= deadline) return CefQuitMessageLoop();
+        CefPostDelayedTask(TID_UI, this, kCloseCheckMs);
+    }
+
+private:
+    ULONGLONG deadline;
+    IMPLEMENT_REFCOUNTING(QuitWhenClosedTask);
+};
+
+class LeaveTask : public CefTask {
+public:
+    void Execute() override {
+        CefHandler::leaveEngine();
+        CefPostTask(TID_UI, new QuitWhenClosedTask(GetTickCount64() + kCloseMs));
+    }
+
+private:
+    IMPLEMENT_REFCOUNTING(LeaveTask);
+};
 
 }  // namespace
 
@@ -72,6 +107,7 @@ int CefModule::start(HINSTANCE instance) {
         });
     }
     Core::logDebugA("cef module is ready\n");
+    Core::callAtExit([] { stopAtExit(); });
     return -1;
 }
 
@@ -87,8 +123,21 @@ void CefModule::stop() {
     cefModuleInstance().reset();
 }
 
+void CefModule::stopAtExit() {
+    const std::shared_ptr<CefModule> module = cefModuleInstance();
+    if (!module || Core::isShutdownInProgress() || module->engineThreadId == GetCurrentThreadId()) return;
+    Core::markProcessEnding();
+    if (WaitForSingleObject(module->stopped.get(), 0) != WAIT_OBJECT_0) CefPostTask(TID_UI, new LeaveTask);
+    if (!Core::waitServingSentMessages(module->stopped.get(), kExitMs)) {
+        Core::logDebugA("cef is still running at exit\n");
+        return;
+    }
+    module->releaseLock();
+}
+
 void CefModule::abandon() {
     if (const std::shared_ptr<CefModule>& module = cefModuleInstance()) module->releaseLock();
+    skipEngineDetach();
 }
 
 CefModule::~CefModule() {
@@ -112,7 +161,9 @@ void CefModule::signalReady() {
 void CefModule::engineThreadMain() {
     Core::logDebugA("cef initializing ... \n");
     Core::pinOwnModule();
+    engineThreadId = GetCurrentThreadId();
     runEngine();
+    SetEvent(stopped.get());
 }
 
 void CefModule::runEngine() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "core/unique_handle.h"
 #include "include/cef_task.h"
 
 namespace ZEMO::UI {
@@ -23,6 +24,11 @@ public:
 
     /// Ends the engine's loop, waits for its thread, gives the cache lock up. Must not be called on the engine thread.
     static void stop();
+
+    /// The program calls exit or returns from main, and all threads still live: views lose their browsers, the engine
+    /// ends, the cache lock is given up. Waits two seconds at most, and leaves the rest to the process's end then.
+    /// Does nothing on the engine thread, or without an engine. Registered by start.
+    static void stopAtExit();
 
     /// The process is ending and the system has already taken the engine thread away: nothing can be posted or waited
     /// for. Gives the cache lock up.
@@ -41,7 +47,8 @@ public:
     };
 
 private:
-    explicit CefModule(HINSTANCE instance) : moduleInstance(instance) {}
+    explicit CefModule(HINSTANCE instance)
+        : moduleInstance(instance), stopped(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
     void engineThreadMain();
     void runEngine();
     void signalReady();
@@ -51,6 +58,8 @@ private:
     std::atomic<bool> ready{false};
     std::mutex readyMutex;
     HINSTANCE moduleInstance;
+    Core::UniqueKernelHandle stopped;  ///< set when the engine has shut down, or was not started at all
+    std::atomic<DWORD> engineThreadId{0};
     std::shared_ptr<std::thread> engineThread;
     // Written on the engine thread before `ready`, read after the thread is gone.
     std::wstring cachePath;

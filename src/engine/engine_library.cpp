@@ -1,6 +1,7 @@
 #include "engine/engine_library.h"
 
 #include "cef/engine_library.h"
+#include "core/loader_order.h"
 #include "core/log.h"
 
 namespace ZEMO::UI {
@@ -11,6 +12,8 @@ bool loadEngineLibrary(const std::wstring& basePath) {
         Core::logDebugA("cef could not be loaded: %s\n", reason.c_str());
         return false;
     }
+    // The engine was loaded later, and would hear of the process's end before this library could keep it from that.
+    if (!Core::detachOwnModuleFirst()) Core::logDebugA("the order of the modules could not be changed\n");
     std::string found;
     std::string expected;
     if (!cefVersionMatches(&found, &expected)) {
@@ -19,5 +22,7 @@ bool loadEngineLibrary(const std::wstring& basePath) {
     }
     return true;
 }
+
+void skipEngineDetach() { Core::skipDetach(static_cast<HMODULE>(cefLibraryModule())); }
 
 }  // namespace ZEMO::UI

@@ -20,6 +20,7 @@
 
 #include "core/log.h"
 #include "core/module_pin.h"
+#include "core/sent_messages.h"
 #include "core/unique_handle.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
@@ -66,14 +67,6 @@ void centreOnPrimaryScreen(HWND window) {
     SetWindowPos(window, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 
-/// Waits without taking anything off this thread's queue; messages that other threads send are answered meanwhile.
-void waitServingSentMessages(HANDLE event) {
-    while (MsgWaitForMultipleObjectsEx(1, &event, INFINITE, QS_SENDMESSAGE, 0) == WAIT_OBJECT_0 + 1) {
-        MSG message;
-        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
-    }
-}
-
 }  // namespace
 
 struct ZEMOWindow::OwnThreadStart {
@@ -93,7 +86,7 @@ void ZEMOWindow::createOwnWindow() {
     if (!thread) throw std::system_error(errno, std::generic_category(), "window thread");
     start.release();  // the thread's now
     CloseHandle(reinterpret_cast<HANDLE>(thread));
-    waitServingSentMessages(builtEvent.get());
+    Core::waitServingSentMessages(builtEvent.get(), INFINITE);
     built.get();
 }
 

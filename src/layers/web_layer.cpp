@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "controller/controller_scripts.h"
+#include "core/process_end.h"
 #include "engine/javascript_processor.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
@@ -50,6 +51,7 @@ WebLayer::~WebLayer() {
 }
 
 void WebLayer::createBrowser(const std::string& address) {
+    if (Core::isProcessEnding()) return;  // the engine may be gone
     CefWindowInfo windowInfo;
     windowInfo.parent_window = getViewWindowHandle();
     windowInfo.windowless_rendering_enabled = true;

@@ -4,6 +4,7 @@
 
 #include "engine/game_host.h"
 #include "engine/helper_game.h"
+#include "support/http_server.h"
 
 // Whole processes with the real engine and an open view: how they end, what they leave, how two of them share a folder.
 namespace ZEMO::Test {
@@ -72,14 +73,55 @@ TEST_P(WaysOut, OpenView_EndsInFiveSecondsAndLeavesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, WaysOut,
-                         ::testing::Values(L"return", L"static", L"exit", L"exitprocess", L"exitprocess-thread",
-                                           L"freelibrary", L"terminate", L"drop"),
+                         ::testing::Values(L"return", L"static", L"global", L"exit", L"exit-in-callback",
+                                           L"exit-callback-blocked", L"exitprocess", L"exitprocess-thread",
+                                           L"exitprocess-engine-blocked", L"freelibrary", L"terminate", L"drop"),
                          [](const auto& info) {
                              std::string name;
                              for (const wchar_t* c = info.param; *c; ++c)
                                  name += *c == L'-' ? '_' : static_cast<char>(*c);
                              return name;
                          });
+
+TEST(WholeProcess, ReturnFromMain_EngineIsStoppedInOrderBeforeTheModulesGo) {
+    HelperGame game(libraryFile(), L"return", programDirectory());
+    ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
+    ASSERT_TRUE(game.waitForEnd(kEnd));
+    const std::string output = game.output();
+    const size_t begin = output.find("cef shutting down");
+    const size_t end = output.find("cef is shutdown");
+    EXPECT_LT(output.find("leaving"), begin) << output;
+    EXPECT_LT(begin, end) << output;
+    ASSERT_NE(end, std::string::npos) << output;
+    EXPECT_NE(output.find("UIFramework DLL_PROCESS_DETACH", end), std::string::npos) << output;
+}
+
+TEST(WholeProcess, ExitWhileACallbackOfTheGameBlocks_LogSaysThatTheEngineStillRuns) {
+    HelperGame game(libraryFile(), L"exit-callback-blocked", programDirectory());
+    ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
+    ASSERT_TRUE(game.waitForEnd(kEnd)) << "the wait for the engine has an end";
+    EXPECT_NE(game.output().find("cef is still running at exit"), std::string::npos) << game.output();
+    EXPECT_EQ(game.output().find("cef is shutdown"), std::string::npos) << game.output();
+}
+
+TEST(WholeProcess, PageSetsACookieAndTheGameReturns_NextGameSendsIt) {
+    HttpServer server;
+    server.serve("/login", {.body = "<!doctype html><style>html{background:#204060}</style>",
+                            .extraHeaders = "Set-Cookie: login=kept; Max-Age=3600\r\n"});
+    const std::string address = server.url("/login");
+    const std::wstring way = L"return " + std::wstring(address.begin(), address.end());
+    for (int i = 0; i < 2; ++i) {
+        HelperGame game(libraryFile(), way, programDirectory());
+        ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
+        ASSERT_TRUE(game.waitForEnd(kEnd)) << game.output();
+    }
+    ASSERT_EQ(server.requestCount("/login"), 2u);
+    std::string cookies;
+    for (const HttpServer::Request& request : server.requests()) {
+        if (request.target == "/login" && request.headers.contains("cookie")) cookies += request.headers.at("cookie");
+    }
+    EXPECT_EQ(cookies, "login=kept") << "a login lives on, also when it came seconds before the end";
+}
 
 TEST(WholeProcess, FreeLibraryWhileTheEngineRuns_LibraryStaysMapped) {
     HelperGame game(libraryFile(), L"freelibrary", programDirectory());

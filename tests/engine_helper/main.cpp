@@ -1,13 +1,20 @@
 // A small game for tests of whole processes: it loads the library by the path it is given, as a game's launcher would,
 // opens a view on a page of one colour, says "ready", and leaves in the way it is told.
-//   zemo_engine_helper.exe LIBRARY WAY
-// WAY: return, static, exit, exitprocess, exitprocess-thread, freelibrary, terminate, wait (until killed), drop
+//   zemo_engine_helper.exe LIBRARY WAY [MILLISECONDS | ADDRESS]
+// With MILLISECONDS it leaves that long after the view was shown, whatever the page has come to. With ADDRESS it opens
+// that page, which must show the same colour. WAY: return, static, global, exit, exit-in-callback,
+// exit-callback-blocked, exitprocess, exitprocess-thread,
+//   exitprocess-engine-blocked, freelibrary, terminate, wait (until killed), drop
 #include <windows.h>
+
+#include <winternl.h>
 
 #include <zemo/ui.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <thread>
@@ -69,6 +76,31 @@ std::shared_ptr<ZEMO::UI::IZEMOWebView>& staticView() {
     return view;
 }
 
+// Destroyed by exit after the library's own hook there.
+std::shared_ptr<ZEMO::UI::IZEMOWebView> globalView;
+
+std::atomic<bool> exitInCallback{false};
+std::atomic<bool> blockInCallback{false};
+std::atomic<bool> callbackBlocked{false};
+
+// What a lock that nobody gives up any more does to the engine's library: its entry point never comes back. The
+// loader's lock is kept, so that no thread comes by before the process ends.
+void blockEngineEntryPoint() {
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    using LockLoader = NTSTATUS(NTAPI*)(ULONG, ULONG*, ULONG_PTR*);
+    const auto lock = reinterpret_cast<LockLoader>(reinterpret_cast<void*>(GetProcAddress(ntdll, "LdrLockLoaderLock")));
+    ULONG_PTR cookie = 0;
+    auto* const engine = reinterpret_cast<BYTE*>(GetModuleHandleW(L"libcef.dll"));
+    if (!engine || !lock || lock(0, nullptr, &cookie) < 0) std::exit(kFailed);
+    const auto& dos = *reinterpret_cast<const IMAGE_DOS_HEADER*>(engine);
+    const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS*>(engine + dos.e_lfanew);
+    BYTE* const entry = engine + headers.OptionalHeader.AddressOfEntryPoint;
+    constexpr BYTE kJumpToItself[] = {0xEB, 0xFE};
+    DWORD before = 0;
+    if (!VirtualProtect(entry, sizeof kJumpToItself, PAGE_EXECUTE_READWRITE, &before)) std::exit(kFailed);
+    std::copy(std::begin(kJumpToItself), std::end(kJumpToItself), entry);
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -88,14 +120,28 @@ int wmain(int argc, wchar_t** argv) {
     find<void(ZEMO::UI::OsrFramePresentCallback)>(
         library, "_ZN4ZEMO2UI28setUIOsrFramePresentCallbackESt8functionIFvPKviiiiiiEE")(
         [](const void* pixels, int width, int height, int, int, int, int) {
+            if (exitInCallback) {
+                exitInCallback = false;
+                std::exit(kExitCode);
+            }
+            while (blockInCallback) {
+                callbackBlocked = true;
+                Sleep(10);
+            }
             if (!pixels || width < 2 || height < 2) return;
             frameWidth = width;
             if (static_cast<const uint32_t*>(pixels)[width + 1] == kColor) seen = true;
         });
     auto view = find<std::shared_ptr<ZEMO::UI::IZEMOWebView>()>(library, "_ZN4ZEMO2UI20createWebViewDefaultEv")();
-    view->loadHtml("<!doctype html><style>html,body{margin:0;background:#204060}</style>", "");
+    const std::wstring option = argc > 3 ? argv[3] : L"";
+    const bool address = option.starts_with(L"http");
+    view->loadHtml(address ? "<script>location.replace('" + std::string(option.begin(), option.end()) + "')</script>"
+                           : "<!doctype html><style>html,body{margin:0;background:#204060}</style>",
+                   "");
     view->show();
-    if (!pump(60'000, &seen)) {
+    if (!option.empty() && !address) {
+        pump(std::stoi(option), nullptr);
+    } else if (!pump(60'000, &seen)) {
         say("no page");
         TerminateProcess(GetCurrentProcess(), kFailed);
     }
@@ -108,6 +154,11 @@ int wmain(int argc, wchar_t** argv) {
     if (way == L"drop") {
         view.reset();
         DestroyWindow(window);
+        say("leaving");
+        return kExitCode;
+    }
+    if (way == L"global") {
+        globalView = std::move(view);
         say("leaving");
         return kExitCode;
     }
@@ -127,7 +178,20 @@ int wmain(int argc, wchar_t** argv) {
         say("leaving");
         return kExitCode;
     }
+    if (way == L"exit-callback-blocked") {
+        blockInCallback = true;
+        pump(30'000, &callbackBlocked);
+    }
     say("leaving");
+    if (way == L"exit-in-callback") {
+        exitInCallback = true;
+        pump(60'000, nullptr);
+        return kFailed;
+    }
+    if (way == L"exitprocess-engine-blocked") {
+        blockEngineEntryPoint();
+        ExitProcess(kExitCode);
+    }
     if (way == L"exit") std::exit(kExitCode);
     if (way == L"exitprocess") ExitProcess(kExitCode);
     if (way == L"terminate") TerminateProcess(GetCurrentProcess(), kExitCode);
