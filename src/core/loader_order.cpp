@@ -2,6 +2,8 @@
 
 #include <winternl.h>
 
+#include <cstddef>
+
 namespace ZEMO::Core {
 namespace {
 

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "core/log.h"
+#include "core/process_end.h"
 #include "engine/javascript_processor.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
@@ -26,14 +27,18 @@ CefAdapter::CefAdapter(WebViewLink link, HWND window, WindowStyle style, bool cl
     : CefHandler(window, style, closeButton, hookModule, sleepTime, std::move(framePresentCallback)),
       delegate(std::move(link)) {}
 
+std::shared_ptr<ZEMOWebViewDelegate> CefAdapter::gameDelegate() const {
+    return Core::isProcessEnding() ? nullptr : delegate.delegate.lock();
+}
+
 void CefAdapter::navigationStarting() {
     Core::logDebugA("navigationStarting\n");
-    if (const auto target = delegate.delegate.lock()) target->navigationStarting(delegate.view.lock());
+    if (const auto target = gameDelegate()) target->navigationStarting(delegate.view.lock());
 }
 
 void CefAdapter::navigationFailed(int errorCode) {
     Core::logDebugA("navigationFailed: %d\n", errorCode);
-    if (const auto target = delegate.delegate.lock()) {
+    if (const auto target = gameDelegate()) {
         target->navigationFailed(delegate.view.lock(), std::error_code(errorCode, std::generic_category()));
     }
 }
@@ -41,11 +46,11 @@ void CefAdapter::navigationFailed(int errorCode) {
 void CefAdapter::navigationCompleted() {
     Core::logDebugA("navigationCompleted\n");
     getJavascriptProcessor()->flushQueuedEvaluations();
-    if (const auto target = delegate.delegate.lock()) target->navigationCompleted(delegate.view.lock());
+    if (const auto target = gameDelegate()) target->navigationCompleted(delegate.view.lock());
 }
 
 bool CefAdapter::navigationRequested(std::string url) {
-    const auto target = delegate.delegate.lock();
+    const auto target = gameDelegate();
     return !target || target->navigationRequested(delegate.view.lock(), std::move(url));
 }
 

@@ -42,6 +42,9 @@ public:
     void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> browser, TextInputMode input_mode) override;
 
 private:
+    /// Null when the game has dropped it, and once the program exits: what the delegate uses may be gone by then.
+    std::shared_ptr<ZEMOWebViewDelegate> gameDelegate() const;
+
     WebViewLink delegate;
 };
 

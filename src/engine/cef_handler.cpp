@@ -146,6 +146,7 @@ void CefHandler::postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const 
 
 bool CefHandler::OnProcessMessageReceived(CefRefPtr<CefBrowser> source, CefRefPtr<CefFrame> /*frame*/,
                                           CefProcessId /*source_process*/, CefRefPtr<CefProcessMessage> message) {
+    if (Core::isProcessEnding()) return false;  // what the game's callbacks use may be gone
     const std::string name = message->GetName();
     if (name == kEvaluateJavascript) {
         const CefRefPtr<CefListValue> arguments = message->GetArgumentList();

@@ -5,6 +5,7 @@
 #include "client/client_view.h"
 #include "client/engine_task.h"
 #include "core/process_state.h"
+#include "engine/cef_module.h"
 #include "engine/javascript_processor.h"
 #include "include/cef_process_message.h"
 #include "include/cef_values.h"
@@ -146,6 +147,23 @@ TEST_F(Callbacks, LoadErrors_AbortedIsSilentCacheMissLoadsAgainOthersAreReported
     EXPECT_FALSE(view.events->has("failed -400"));
     error(ERR_FAILED);
     EXPECT_TRUE(view.events->has("failed -2"));
+}
+
+TEST_F(Callbacks, ProgramExits_BrowserIsGoneAndNoCallbackOfTheGameComes) {
+    browser = nullptr;
+    ZEMO::UI::CefModule::stopAtExit();
+    EXPECT_FALSE(view.adapter->getBrowser());
+    EXPECT_TRUE(view.events->events().empty()) << "closing at the exit is no event of the page";
+    view.adapter->OnLoadStart(nullptr, nullptr, TT_LINK);
+    view.adapter->OnLoadError(nullptr, nullptr, ERR_FAILED, "text", "http://127.0.0.1/");
+    EXPECT_TRUE(view.events->events().empty());
+    EXPECT_FALSE(view.adapter->OnProcessMessageReceived(nullptr, nullptr, PID_RENDERER, nullptr));
+    game.frames.forgetFrames();
+    const auto late = game.makeView("data:text/html,x", *view.events);
+    late->show();  // a thread of the game that does not know of the exit
+    game.pass(300ms);
+    EXPECT_EQ(game.frames.frameCount(), 0u);
+    EXPECT_TRUE(view.events->events().empty());
 }
 
 TEST_F(Callbacks, KeyboardRequested_GamesKeyboardByTypeOnceUntilItCloses) {

@@ -8,6 +8,7 @@
 #include "engine/game_host.h"
 #include "support/debug_log.h"
 #include "support/http_server.h"
+#include "support/own_window.h"
 
 // A view from its making to its end, as a game drives it.
 namespace ZEMO::Test {
@@ -300,7 +301,7 @@ TEST(ViewLife, OwnWindow_OpensOnTheScreenStaysAfterCloseAndGoesWithItsCloseMessa
     view->setSize(500.9f, 300.9f);
     view->setViewDelegate(delegate);
     view->show();
-    const HWND own = FindWindowW(L"ZEMOExtraWindowClass", L"Zemo window");
+    const HWND own = findViewWindow();
     ASSERT_TRUE(own);
     EXPECT_EQ(GetWindow(own, GW_OWNER), game.window);
     EXPECT_TRUE(IsWindowVisible(own));
@@ -322,7 +323,7 @@ TEST(ViewLife, OwnWindowViewDropped_WindowCloses) {
     view->setDisplayMode(1);
     view->setSize(400, 300);
     view->show();
-    const HWND own = FindWindowW(L"ZEMOExtraWindowClass", nullptr);
+    const HWND own = findViewWindow();
     ASSERT_TRUE(own);
     ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
     view.reset();

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "support/debug_log.h"
+#include "support/own_window.h"
 #include "zemo/ui.h"
 
 // The exports of a library that was loaded but not started: none may need an engine, a window or a layer.
@@ -94,12 +95,10 @@ struct ShownAndClosed : ZEMOViewDelegate {
     void viewDidClose(IZEMOView*) override { ++closed; }
 };
 
-HWND ownWindow() { return FindWindowW(L"ZEMOExtraWindowClass", nullptr); }
-
 bool isOwnWindowGoneIn(DWORD milliseconds) {
     const ULONGLONG end = GetTickCount64() + milliseconds;
-    while (ownWindow() && GetTickCount64() < end) Sleep(5);
-    return !ownWindow();
+    while (findViewWindow() && GetTickCount64() < end) Sleep(5);
+    return !findViewWindow();
 }
 
 // The engine is not there, so neither is a browser; the view itself goes through its states.
@@ -120,7 +119,7 @@ TEST(UiExports, ViewShownWithoutAnEngine_NoPageAndNoCrash) {
         view->close();
         EXPECT_EQ(observer->shown, 1);
         EXPECT_EQ(observer->closed, 1);
-        EXPECT_EQ(ownWindow() != nullptr, mode == 1) << "an own window stays after close";
+        EXPECT_EQ(findViewWindow() != nullptr, mode == 1) << "an own window stays after close";
         view.reset();
         EXPECT_TRUE(isOwnWindowGoneIn(20'000)) << "nobody else would close it";
     }
