@@ -28,6 +28,12 @@ public:
     ImportReplaced(const ImportReplaced&) = delete;
     ImportReplaced& operator=(const ImportReplaced&) = delete;
 
+    /// What stood there before. `Function` is the pointer type.
+    template <class Function>
+    Function original() const {
+        return reinterpret_cast<Function>(replaced);
+    }
+
 private:
     /// Import libraries may name one function twice.
     static std::vector<void**> find(const char* name) {

@@ -11,17 +11,13 @@
 #include "browser/browser_launch.h"
 #include "helpers/stand_in_browser_stage.h"
 #include "support/debug_log.h"
-#include "support/replaced_call.h"
-
-extern "C" {
-extern decltype(&::ShellExecuteW) __imp_ShellExecuteW;
-}
+#include "support/import_replaced.h"
 
 namespace ZEMO::UI {
 namespace {
 
 using Test::DebugLogCapture;
-using Test::ReplacedCall;
+using Test::ImportReplaced;
 using Test::StandInBrowserStage;
 using Test::toUtf8;
 
@@ -54,7 +50,7 @@ protected:
 
     StandInBrowserStage stage;
     std::string path;
-    const ReplacedCall<decltype(&::ShellExecuteW)> shell{__imp_ShellExecuteW, &askedOnly};
+    const ImportReplaced shell{"ShellExecuteW", &askedOnly};
     const DebugLogCapture log;
 };
 

@@ -18,12 +18,7 @@
 #include "helpers/loopback_client.h"
 #include "helpers/loopback_peer.h"
 #include "helpers/stand_in_browser_stage.h"
-#include "support/replaced_call.h"
-
-extern "C" {
-extern decltype(&::recv) __imp_recv;
-extern decltype(&::send) __imp_send;
-}
+#include "support/import_replaced.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -33,8 +28,8 @@ using namespace std::string_literals;
 using Peer = LoopbackHttpManagerPeer;
 using Test::browserRequest;
 using Test::exchange;
+using Test::ImportReplaced;
 using Test::LoopbackClient;
-using Test::ReplacedCall;
 using Test::StandInBrowserStage;
 using Clock = std::chrono::steady_clock;
 
@@ -165,10 +160,10 @@ protected:
         seen.asked.clear();
         seen.got.clear();
         seen.answers.clear();
-        seen.recv = __imp_recv;
-        seen.send = __imp_send;
-        receiving.emplace(__imp_recv, &noteReceive);
-        sending.emplace(__imp_send, &noteSend);
+        seen.recv = ZEMO::Test::systemFunction<decltype(::recv)>(L"ws2_32.dll", "recv");
+        seen.send = ZEMO::Test::systemFunction<decltype(::send)>(L"ws2_32.dll", "send");
+        receiving.emplace("recv", &noteReceive);
+        sending.emplace("send", &noteSend);
     }
     ~LoopbackReads() override { manager.reset(); }  // the worker's last calls come before the imports are put back
 
@@ -198,8 +193,8 @@ protected:
     }
 
 private:
-    std::optional<ReplacedCall<decltype(&::recv)>> receiving;
-    std::optional<ReplacedCall<decltype(&::send)>> sending;
+    std::optional<ImportReplaced> receiving;
+    std::optional<ImportReplaced> sending;
 };
 
 TEST_F(LoopbackReads, HugeRequest_ReadOnceUpTo4095BytesAndWorkerGoesOn) {

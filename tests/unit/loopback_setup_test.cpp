@@ -8,24 +8,16 @@
 #include "browser/loopback_http_manager.h"
 #include "helpers/loopback_client.h"
 #include "helpers/loopback_peer.h"
-#include "support/replaced_call.h"
+#include "support/import_replaced.h"
 
 // The responder when its socket can't be set up. The system's calls can't be made to fail here, so the entries of this
 // program's import table are replaced for the time of a test; all other calls are the real ones.
-extern "C" {
-extern decltype(&::socket) __imp_socket;
-extern decltype(&::bind) __imp_bind;
-extern decltype(&::listen) __imp_listen;
-extern decltype(&::getsockname) __imp_getsockname;
-extern decltype(&::closesocket) __imp_closesocket;
-}
-
 namespace ZEMO::UI {
 namespace {
 
 using namespace std::chrono_literals;
 using Peer = LoopbackHttpManagerPeer;
-using Test::ReplacedCall;
+using Test::ImportReplaced;
 
 std::atomic<int> calls{0};
 std::atomic<int> opened{0};
@@ -51,8 +43,8 @@ class LoopbackSetup : public testing::Test {
 protected:
     LoopbackSetup() {
         calls = opened = closed = 0;
-        realSocket = socketEntry.original();
-        realClose = closeEntry.original();
+        realSocket = socketEntry.original<decltype(realSocket)>();
+        realClose = closeEntry.original<decltype(realClose)>();
     }
     /// A manager whose worker has met the failing call: never ready, and its end is not held up by anything.
     void expectNeverReady(int sockets) {
@@ -68,29 +60,29 @@ protected:
         EXPECT_EQ(closed, sockets) << "no socket is left";
     }
 
-    ReplacedCall<decltype(&::socket)> socketEntry{__imp_socket, &countedSocket};
-    ReplacedCall<decltype(&::closesocket)> closeEntry{__imp_closesocket, &countedClose};
+    ImportReplaced socketEntry{"socket", &countedSocket};
+    ImportReplaced closeEntry{"closesocket", &countedClose};
 };
 
 TEST_F(LoopbackSetup, NoSocket_NeverReadyAndEndsCleanly) {
-    const ReplacedCall<decltype(&::socket)> failing(__imp_socket, &noSocket);
+    const ImportReplaced failing("socket", &noSocket);
     expectNeverReady(0);
 }
 
 TEST_F(LoopbackSetup, NotBound_NeverReadyAndSocketIsClosedAtTheEnd) {
-    const ReplacedCall<decltype(&::bind)> failing(__imp_bind, &noBind);
+    const ImportReplaced failing("bind", &noBind);
     expectNeverReady(1);
 }
 
 TEST_F(LoopbackSetup, NotListening_NeverReadyAndSocketIsClosedAtTheEnd) {
-    const ReplacedCall<decltype(&::listen)> failing(__imp_listen, &noListen);
+    const ImportReplaced failing("listen", &noListen);
     expectNeverReady(1);
 }
 
 // The end has begun while the worker is still on its way to its port: it comes that far, serves nobody and goes.
 TEST_F(LoopbackSetup, StoppedBeforeReady_EndsCleanlyAndNothingListens) {
-    const ReplacedCall<decltype(&::bind)> late(__imp_bind, &lateBind);
-    realBind = late.original();
+    const ImportReplaced late("bind", &lateBind);
+    realBind = late.original<decltype(realBind)>();
     mayBind = {};
     auto manager = std::make_unique<LoopbackHttpManager>();
     const LoopbackHttpManager& ending = *manager;
@@ -108,7 +100,7 @@ TEST_F(LoopbackSetup, StoppedBeforeReady_EndsCleanlyAndNothingListens) {
 }
 
 TEST_F(LoopbackSetup, PortNotTold_ReadyWithAnEmptyPort) {
-    const ReplacedCall<decltype(&::getsockname)> failing(__imp_getsockname, &noName);
+    const ImportReplaced failing("getsockname", &noName);
     {
         LoopbackHttpManager manager;
         EXPECT_TRUE(Peer::isReadyWithin(manager, 20s));

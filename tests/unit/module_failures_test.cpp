@@ -8,21 +8,14 @@
 
 #include "core/module_paths.h"
 #include "support/debug_log.h"
-#include "support/replaced_call.h"
+#include "support/import_replaced.h"
 #include "zemo/ui.h"
-
-extern "C" {
-extern decltype(&::GetModuleHandleExW) __imp_GetModuleHandleExW;
-extern decltype(&::GetModuleFileNameW) __imp_GetModuleFileNameW;
-extern decltype(&::LoadLibraryExW) __imp_LoadLibraryExW;
-extern decltype(&::MultiByteToWideChar) __imp_MultiByteToWideChar;
-}
 
 namespace ZEMO::Core {
 namespace {
 
 using Test::DebugLogCapture;
-using Test::ReplacedCall;
+using Test::ImportReplaced;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -61,7 +54,7 @@ int WINAPI oneTooFew(UINT page, DWORD flags, const char* text, int size, wchar_t
 
 TEST(ModuleFailure, ModuleUnknown_LoggedWithItsCodeAndExecutableStandsIn) {
     const std::wstring directory = getOwnModuleDirectory();
-    const ReplacedCall<decltype(&::GetModuleHandleExW)> failing(__imp_GetModuleHandleExW, &noHandle);
+    const ImportReplaced failing("GetModuleHandleExW", &noHandle);
     const DebugLogCapture log;
     EXPECT_EQ(getOwnModuleDirectory(), directory);  // the functions lie in the executable itself here
     EXPECT_THAT(log.texts(), ElementsAre("GetModuleHandleEx failed: 126",
@@ -69,8 +62,8 @@ TEST(ModuleFailure, ModuleUnknown_LoggedWithItsCodeAndExecutableStandsIn) {
 }
 
 TEST(ModuleFailure, ModulePath_AskedForByTheFunctionsAddressWithoutAReference) {
-    const ReplacedCall<decltype(&::GetModuleHandleExW)> noted(__imp_GetModuleHandleExW, &notedHandle);
-    realHandle = noted.original();
+    const ImportReplaced noted("GetModuleHandleExW", &notedHandle);
+    realHandle = noted.original<decltype(realHandle)>();
     wchar_t buffer[1024] = {};
     EXPECT_TRUE(getOwnModulePath(buffer, 1024));
     EXPECT_EQ(handleFlags, 6u);
@@ -78,7 +71,7 @@ TEST(ModuleFailure, ModulePath_AskedForByTheFunctionsAddressWithoutAReference) {
 }
 
 TEST(ModuleFailure, ExecutableUnknownToo_RelativePathIsEmptyAndEachStepIsLogged) {
-    const ReplacedCall<decltype(&::GetModuleFileNameW)> failing(__imp_GetModuleFileNameW, &noName);
+    const ImportReplaced failing("GetModuleFileNameW", &noName);
     const DebugLogCapture log;
     EXPECT_EQ(resolveModuleRelativePath(L"resources\\html"), L"");
     EXPECT_THAT(log.texts(), ElementsAre("GetModuleFileNameW failed or truncated: 6",
@@ -88,7 +81,7 @@ TEST(ModuleFailure, ExecutableUnknownToo_RelativePathIsEmptyAndEachStepIsLogged)
 }
 
 TEST(ModuleFailure, DirectoryUnknown_LocalHtmlPathIsEmpty) {
-    const ReplacedCall<decltype(&::GetModuleFileNameW)> failing(__imp_GetModuleFileNameW, &noName);
+    const ImportReplaced failing("GetModuleFileNameW", &noName);
     const DebugLogCapture log;
     EXPECT_EQ(UI::getLocalHTMLResourcePath(), std::filesystem::path());
     EXPECT_EQ(log.texts().back(), "Error: Could not determine base directory for relative path resolution.")
@@ -96,8 +89,8 @@ TEST(ModuleFailure, DirectoryUnknown_LocalHtmlPathIsEmpty) {
 }
 
 TEST(ModuleFailure, DirectoryUnknown_LibraryIsNotLookedForAndItsNameIsLogged) {
-    const ReplacedCall<decltype(&::GetModuleFileNameW)> failing(__imp_GetModuleFileNameW, &noName);
-    const ReplacedCall<decltype(&::LoadLibraryExW)> noted(__imp_LoadLibraryExW, &notedLoad);
+    const ImportReplaced failing("GetModuleFileNameW", &noName);
+    const ImportReplaced noted("LoadLibraryExW", &notedLoad);
     loads.clear();
     const DebugLogCapture log;
     EXPECT_EQ(loadLibraryFromModuleDirectory(L"cefsubprocess/도구.dll"), nullptr);
@@ -110,7 +103,7 @@ TEST(ModuleFailure, DirectoryUnknown_LibraryIsNotLookedForAndItsNameIsLogged) {
 
 TEST(ModuleFailure, LibraryOfTheDirectory_LoadedWithTheSafeSearchFlags) {
     const std::wstring path = resolveModuleRelativePath(L"tool.dll");
-    const ReplacedCall<decltype(&::LoadLibraryExW)> noted(__imp_LoadLibraryExW, &notedLoad);
+    const ImportReplaced noted("LoadLibraryExW", &notedLoad);
     loads.clear();
     const DebugLogCapture log;
     EXPECT_EQ(loadLibraryFromModuleDirectory(L"tool.dll"), nullptr);
@@ -120,7 +113,7 @@ TEST(ModuleFailure, LibraryOfTheDirectory_LoadedWithTheSafeSearchFlags) {
 }
 
 TEST(ModuleFailure, GraphicsHook_LoadedByItsNameWithTheSafeSearchFlags) {
-    const ReplacedCall<decltype(&::LoadLibraryExW)> noted(__imp_LoadLibraryExW, &notedLoad);
+    const ImportReplaced noted("LoadLibraryExW", &notedLoad);
     loads.clear();
     const DebugLogCapture log;
     UI::InitUIGraphicsHook();
@@ -129,7 +122,7 @@ TEST(ModuleFailure, GraphicsHook_LoadedByItsNameWithTheSafeSearchFlags) {
 }
 
 TEST(ModuleFailure, LengthOfWideTextUnknown_LoggedAndEmpty) {
-    const ReplacedCall<decltype(&::MultiByteToWideChar)> failing(__imp_MultiByteToWideChar, &noLength);
+    const ImportReplaced failing("MultiByteToWideChar", &noLength);
     const DebugLogCapture log;
     EXPECT_EQ(to_wide("abc"), L"");
     ASSERT_EQ(log.lines().size(), 1u) << log.dump();
@@ -138,8 +131,8 @@ TEST(ModuleFailure, LengthOfWideTextUnknown_LoggedAndEmpty) {
 }
 
 TEST(ModuleFailure, WideTextHasAnotherLength_LoggedAndEmpty) {
-    const ReplacedCall<decltype(&::MultiByteToWideChar)> failing(__imp_MultiByteToWideChar, &oneTooFew);
-    realWide = failing.original();
+    const ImportReplaced failing("MultiByteToWideChar", &oneTooFew);
+    realWide = failing.original<decltype(realWide)>();
     wideCalls = 0;
     const DebugLogCapture log;
     EXPECT_EQ(to_wide("abc"), L"");
@@ -149,7 +142,7 @@ TEST(ModuleFailure, WideTextHasAnotherLength_LoggedAndEmpty) {
 }
 
 TEST(ModuleFailure, EmptyText_SystemIsNotAsked) {
-    const ReplacedCall<decltype(&::MultiByteToWideChar)> failing(__imp_MultiByteToWideChar, &noLength);
+    const ImportReplaced failing("MultiByteToWideChar", &noLength);
     const DebugLogCapture log;
     EXPECT_EQ(to_wide(""), L"");
     EXPECT_THAT(log.texts(), IsEmpty());

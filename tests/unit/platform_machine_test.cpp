@@ -12,13 +12,8 @@
 
 #include "core/platform_machine.h"
 #include "core/platform_text.h"
-#include "support/replaced_call.h"
+#include "support/import_replaced.h"
 #include "zemo/platform.h"
-
-extern "C" {
-extern decltype(&::GetComputerNameExW) __imp_GetComputerNameExW;
-extern decltype(&::GetUserNameW) __imp_GetUserNameW;
-}
 
 namespace {
 
@@ -84,7 +79,7 @@ BOOL WINAPI noUserName(wchar_t* name, DWORD* size) {
 }
 
 TEST(PlatformDeviceName, SystemRefuses_Empty) {
-    const ZEMO::Test::ReplacedCall<decltype(&::GetComputerNameExW)> failing(__imp_GetComputerNameExW, &noComputerName);
+    const ZEMO::Test::ImportReplaced failing("GetComputerNameExW", &noComputerName);
     EXPECT_EQ(getDeviceName(), "");
     EXPECT_EQ(nameAsked.kind, ComputerNameDnsHostname);
     EXPECT_EQ(nameAsked.size, 1024u);
@@ -92,7 +87,7 @@ TEST(PlatformDeviceName, SystemRefuses_Empty) {
 }
 
 TEST(PlatformUserName, SystemRefuses_Empty) {
-    const ZEMO::Test::ReplacedCall<decltype(&::GetUserNameW)> failing(__imp_GetUserNameW, &noUserName);
+    const ZEMO::Test::ImportReplaced failing("GetUserNameW", &noUserName);
     EXPECT_EQ(getUserName(), "");
     EXPECT_EQ(nameAsked.size, 257u);
     EXPECT_TRUE(nameAsked.isZeroed);

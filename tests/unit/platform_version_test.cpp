@@ -7,13 +7,9 @@
 
 #include "support/far_file.h"
 #include "support/helper_process.h"
+#include "support/import_replaced.h"
 #include "support/made_up_machine.h"
-#include "support/replaced_call.h"
 #include "zemo/platform.h"
-
-extern "C" {
-extern decltype(&::GetModuleFileNameW) __imp_GetModuleFileNameW;
-}
 
 namespace {
 
@@ -156,7 +152,7 @@ TEST(PlatformAppVersion, PathFillsTheRoom_ItsProductVersionAndWithOneMoreEmpty) 
     for (const size_t length : {300u, 1023u, 1024u}) {
         const FarFile program(helperPath(L"platform_probe.exe"), L"program.exe", length);
         longPath = program.path();
-        const ReplacedCall<decltype(&::GetModuleFileNameW)> named(__imp_GetModuleFileNameW, &namedLong);
+        const ImportReplaced named("GetModuleFileNameW", &namedLong);
         EXPECT_EQ(getAppVersion(), length < 1024 ? "65535.7.40000.12" : "") << length;
     }
 }

@@ -7,9 +7,7 @@
 #include <fstream>
 
 #include "engine/engine_files.h"
-
-// This program's import of the function, through which the library's code in it calls too.
-extern "C" decltype(&GetFileVersionInfoSizeW) __imp_GetFileVersionInfoSizeW;
+#include "support/import_replaced.h"
 
 namespace ZEMO::UI {
 namespace fs = std::filesystem;
@@ -19,26 +17,16 @@ namespace {
 /// that it was read.
 class VersionReadCounter {
 public:
-    VersionReadCounter() {
-        count = 0;
-        original = __imp_GetFileVersionInfoSizeW;
-        setImport(&countAndAsk);
-    }
-    ~VersionReadCounter() { setImport(original); }
+    VersionReadCounter() { count = 0; }
     static inline int count = 0;
 
 private:
     static DWORD WINAPI countAndAsk(LPCWSTR file, LPDWORD handle) {
         ++count;
-        return original(file, handle);
+        return Test::systemFunction<decltype(GetFileVersionInfoSizeW)>(L"version.dll", "GetFileVersionInfoSizeW")(
+            file, handle);
     }
-    static void setImport(decltype(&GetFileVersionInfoSizeW) function) {
-        DWORD protection = 0;
-        VirtualProtect(&__imp_GetFileVersionInfoSizeW, sizeof function, PAGE_READWRITE, &protection);
-        __imp_GetFileVersionInfoSizeW = function;
-        VirtualProtect(&__imp_GetFileVersionInfoSizeW, sizeof function, protection, &protection);
-    }
-    static inline decltype(&GetFileVersionInfoSizeW) original = nullptr;
+    Test::ImportReplaced replaced{"GetFileVersionInfoSizeW", &countAndAsk};
 };
 
 }  // namespace
