@@ -39,8 +39,8 @@ using OsrFramePresentCallback = std::function<void(const void* pixels, int frame
 /// Call once, on the game's main thread, when that window is visible. Throws std::system_error when the thread can't be
 /// started.
 /// The engine ends with the process. A return from main and exit stop it in order, in 0.2 s as a rule and two seconds
-/// at most: no callback of the game comes from then on, and views that are still held show nothing more. ExitProcess
-/// ends it where it is; what a page stored in the last half minute may be lost then.
+/// at most: no frame and no event of a page comes from then on, and views that are still held show nothing more.
+/// ExitProcess ends it where it is; what a page stored in the last half minute may be lost then.
 ZEMO_API void InitUILibrary();
 
 /// Loads ZEMOGraphicsHook.dll; views shown afterwards draw into the game's own frame. No effect when it is missing.

@@ -206,7 +206,7 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
 
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
     --liveBrowserCount;
-    if (windowStyle != WindowStyle::Window) return;
+    if (windowStyle != WindowStyle::Window || Core::isProcessEnding()) return;
     // The user may have closed the window long ago, and its handle may name another program's now.
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);

@@ -12,6 +12,7 @@
 #include "layers/layer_manager.h"
 #include "support/debug_log.h"
 #include "support/http_server.h"
+#include "support/own_window.h"
 
 // The callbacks of the browser client, made with the engine's real objects on the engine's real thread.
 namespace ZEMO::Test {
@@ -164,6 +165,29 @@ TEST_F(Callbacks, ProgramExits_BrowserIsGoneAndNoCallbackOfTheGameComes) {
     game.pass(300ms);
     EXPECT_EQ(game.frames.frameCount(), 0u);
     EXPECT_TRUE(view.events->events().empty());
+}
+
+TEST(CallbacksAtExit, ViewInAnOwnWindow_WindowStaysAndNobodyIsToldOfAClose) {
+    struct Closed : ZEMO::UI::ZEMOViewDelegate {
+        void viewDidShow(ZEMO::UI::IZEMOView*) override {}
+        void viewDidClose(ZEMO::UI::IZEMOView*) override { ++count; }
+        std::atomic<int> count{0};
+    };
+    GameHost game;
+    NavigationRecorder events;
+    const auto closed = std::make_shared<Closed>();
+    auto view = game.makeView("data:text/html,x", events);
+    view->setDisplayMode(1);
+    view->setSize(300, 200);
+    view->setViewDelegate(closed);
+    view->show();
+    const HWND own = findViewWindow();
+    ASSERT_TRUE(own);
+    ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    ZEMO::UI::CefModule::stopAtExit();
+    game.pass(300ms);
+    EXPECT_TRUE(IsWindow(own));
+    EXPECT_EQ(closed->count, 0);
 }
 
 TEST_F(Callbacks, KeyboardRequested_GamesKeyboardByTypeOnceUntilItCloses) {
