@@ -80,7 +80,6 @@ HCURSOR CustomCursorLoader::load() {
     std::map<std::wstring, int> files;  // sorted by path: this is the order of trial
     for (const auto& [relativePath, size] : candidates) files[directory + L"\\" + relativePath] = size;
 
-    cursor.reset();
     for (const auto& [path, size] : files) {
         cursor = loadCandidate(path, size);
         if (cursor) break;

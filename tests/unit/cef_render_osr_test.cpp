@@ -240,6 +240,14 @@ TEST_F(RenderOsr, CloseButtonNotYetShown_DrawsNoIcon) {
     CefRenderOSR withIcon(consumer.sink(), 1.0f, true);
     paint(withIcon, PET_VIEW, false);
     EXPECT_EQ(consumer.last().pixels, page);
+    withIcon.onPopupShow(true);
+    withIcon.onPopupRect({150, 30, 160, 40});  // where the icon would be
+    const Pixels popup(100, page[0]);
+    withIcon.paint(false, nullptr, PET_POPUP, {}, popup.data(), 10, 10);
+    paint(withIcon, PET_VIEW, false);
+    withIcon.paint(false, nullptr, PET_POPUP, {}, popup.data(), 10, 10);
+    EXPECT_EQ(consumer.last().dirty, (Rect{150, 30, 10, 10}));
+    EXPECT_EQ(consumer.last().pixels, page);
 }
 
 }  // namespace ZEMO::UI

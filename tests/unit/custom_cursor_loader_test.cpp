@@ -207,10 +207,43 @@ TEST_F(CustomCursor, StatusThatCannotBeTold_ThrowsExists) {
     }
 }
 
+// A module whose path is longer than is asked for; the program's own path is the real one.
+decltype(GetModuleFileNameW)* systemModuleFileName = nullptr;
+DWORD WINAPI endlessModulePath(HMODULE module, wchar_t* path, DWORD size) {
+    if (!module) return systemModuleFileName(module, path, size);
+    const std::wstring other = std::filesystem::temp_directory_path().wstring() + L"\\somewhere else\\library.dll";
+    std::wmemcpy(path, other.c_str(), other.size() + 1);
+    return size;
+}
+
+TEST_F(CustomCursor, PathOfTheModuleTooLong_LooksBesideTheProgram) {
+    wchar_t own[MAX_PATH] = {};
+    ASSERT_NE(GetModuleFileNameW(nullptr, own, MAX_PATH), 0u);
+    const auto elsewhere = std::filesystem::temp_directory_path() / L"somewhere else" / L"resources";
+    systemModuleFileName =
+        ZEMO::Test::systemFunction<decltype(GetModuleFileNameW)>(L"kernel32.dll", "GetModuleFileNameW");
+    const ZEMO::Test::ImportReplaced replaced("GetModuleFileNameW", endlessModulePath);
+    const auto asked = [] {
+        CustomCursorLoader besideTheModule;
+        return besideTheModule.load() != nullptr;
+    };
+    const bool besideProgram = asked();
+    std::filesystem::create_directories(elsewhere);
+    std::filesystem::copy_file(directory.write(kPng, goodPng()), elsewhere / L"customcursor.png",
+                               std::filesystem::copy_options::overwrite_existing);
+    EXPECT_EQ(asked(), besideProgram) << "half a path is nobody's";
+    std::filesystem::remove_all(elsewhere.parent_path());
+}
+
 int readsToFail = 0;
+int goodReadsFirst = 0;
 decltype(_read)* systemRead = nullptr;
 int __cdecl failingRead(int file, void* to, unsigned size) {
     if (readsToFail == 0) return systemRead(file, to, size);
+    if (goodReadsFirst > 0) {
+        --goodReadsFirst;
+        return systemRead(file, to, size);
+    }
     --readsToFail;
     errno = EIO;
     return -1;
@@ -225,6 +258,10 @@ TEST_F(CustomCursor, CandidateThatCannotBeRead_CountsAsEmptyAndTheNextIsTried) {
     EXPECT_EQ(loadedSize(), (Size{24, 24}));
     EXPECT_EQ(readsToFail, 0);
     EXPECT_EQ(loadedSize(), (Size{32, 32}));
+    goodReadsFirst = 1;
+    readsToFail = 1;
+    EXPECT_EQ(loadedSize(), (Size{24, 24})) << "a file that is read in part only";
+    EXPECT_EQ(readsToFail, 0);
 }
 
 #endif

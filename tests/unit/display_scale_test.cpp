@@ -158,14 +158,34 @@ void probeWindowGone(int awareness) {
     check(getWindowScale(gone) == systemScale(), "system scale for a window that has gone");
 }
 
+// A session has one scale, so the screen's dots are the test's here. `dots`: what the system says at the first
+// question.
+int dotsOfTheScreen = 0;
+int WINAPI fakeDeviceCaps(HDC, int what) {
+    check(what == LOGPIXELSX, "asked for dots across");
+    return dotsOfTheScreen;
+}
+void probeSystemScale(int dots) {
+    const ZEMO::Test::ImportReplaced replaced("GetDeviceCaps", fakeDeviceCaps);
+    dotsOfTheScreen = dots;
+    const float expected = dots == 0 ? 1.0f : static_cast<float>(dots) / 96.0f;
+    check(getWindowScale(nullptr) == expected, "dots of 96 to the scale, 1 without dots");
+    dotsOfTheScreen = 240;
+    check(getWindowScale(nullptr) == expected, "asked for once");
+}
+
 struct Probe {
     const char* name;
     void (*run)(int awareness);
 };
-constexpr Probe kProbes[] = {
-    {"scale", probeScale},           {"other scale", probeOtherScale}, {"no function", probeNoDpiForWindow},
-    {"moved", probeMoved},           {"remembered", probeRemembered},  {"threads", probeThreads},
-    {"window gone", probeWindowGone}};
+constexpr Probe kProbes[] = {{"scale", probeScale},
+                             {"other scale", probeOtherScale},
+                             {"no function", probeNoDpiForWindow},
+                             {"moved", probeMoved},
+                             {"remembered", probeRemembered},
+                             {"threads", probeThreads},
+                             {"window gone", probeWindowGone},
+                             {"system scale", probeSystemScale}};
 
 const bool isTestProcess = [] {
     char request[64] = {};
@@ -239,6 +259,13 @@ TEST(DisplayScale, AwarenessDeclaredAfterTheFirstQuestion_FirstAnswerStays) {
 }
 
 TEST(DisplayScale, FirstQuestionFromSeveralThreads_OneAnswer) { EXPECT_EQ(runProbe("threads", 2), kProbePassed); }
+
+TEST(DisplayScale, SystemScale_DotsOfTheScreenAskedForOnce) {
+    EXPECT_EQ(runProbe("system scale", 144), kProbePassed);
+    EXPECT_EQ(runProbe("system scale", 96), kProbePassed);
+}
+
+TEST(DisplayScale, SystemWithoutDots_ScaleOne) { EXPECT_EQ(runProbe("system scale", 0), kProbePassed); }
 
 TEST(DisplayScale, WindowGone_ScaleIsNeverZero) { EXPECT_EQ(runProbe("window gone", 2), kProbePassed); }
 
