@@ -51,11 +51,11 @@ protected:
         std::ofstream(path) << "x";
     }
     /// A library that is nothing but a version resource.
-    void makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build);
+    void makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build, DWORD signature = VS_FFI_SIGNATURE);
     fs::path base;
 };
 
-void RuntimeSelection::makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build) {
+void RuntimeSelection::makeEngineLibrary(WORD major, WORD minor, WORD patch, WORD build, DWORD signature) {
     const fs::path file = base / L"libcef.dll";
     wchar_t self[MAX_PATH];
     GetModuleFileNameW(GetModuleHandleW(L"version.dll"), self, MAX_PATH);
@@ -69,7 +69,7 @@ void RuntimeSelection::makeEngineLibrary(WORD major, WORD minor, WORD patch, WOR
     block.length = sizeof block;
     block.valueLength = sizeof block.info;
     wcscpy(block.key, L"VS_VERSION_INFO");
-    block.info.dwSignature = VS_FFI_SIGNATURE;
+    block.info.dwSignature = signature;
     block.info.dwStrucVersion = VS_FFI_STRUCVERSION;
     block.info.dwFileVersionMS = MAKELONG(minor, major);
     block.info.dwFileVersionLS = MAKELONG(build, patch);
@@ -139,6 +139,36 @@ TEST_F(RuntimeSelection, CleanUp_FileInUse_ThrowsRemoveAll) {
     CloseHandle(held);
 }
 
+// A child process of a dead game that is just letting go of its files can't be made here: the answers of the system to
+// the removal of the directory itself are the test's.
+struct RemovalAnswers {
+    static inline int failures = 0;
+    static inline int calls = 0;
+    static BOOL WINAPI remove(const wchar_t* directory) {
+        if (std::wstring_view(directory).ends_with(L"cache9") && ++calls <= failures) {
+            SetLastError(ERROR_DIR_NOT_EMPTY);
+            return FALSE;
+        }
+        return ZEMO::Test::systemFunction<decltype(RemoveDirectoryW)>(L"kernel32.dll", "RemoveDirectoryW")(directory);
+    }
+};
+
+TEST_F(RuntimeSelection, CleanUp_DirectoryNotYetFree_TriedTenTimes) {
+    for (const int failures : {9, 10}) {
+        const fs::path cache = makeDirectory(L"cache9");
+        RemovalAnswers::failures = failures;
+        RemovalAnswers::calls = 0;
+        const ZEMO::Test::ImportReplaced replaced("RemoveDirectoryW", &RemovalAnswers::remove);
+        if (failures < 10) {
+            EXPECT_NO_THROW(cleanupStaleCaches(base.wstring(), {}));
+        } else {
+            EXPECT_THROW(cleanupStaleCaches(base.wstring(), {}), fs::filesystem_error);
+        }
+        EXPECT_EQ(RemovalAnswers::calls, 10) << failures;
+        EXPECT_EQ(fs::exists(cache), failures == 10) << failures;
+    }
+}
+
 TEST_F(RuntimeSelection, Lock_HeldByAnother_SecondOpenFailsAndOwnCacheIsUsed) {
     const std::wstring shared = (base / L"cache").wstring();
     EXPECT_EQ(selectCacheDirectory(base.wstring()), shared);
@@ -206,6 +236,13 @@ TEST_F(RuntimeSelection, Subprocess_NoEngine_VersionTextIsEmpty) {
 
 TEST_F(RuntimeSelection, Version_FileWithoutResource_IsEmpty) {
     makeFile(base / L"libcef.dll");
+    EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
+}
+
+TEST_F(RuntimeSelection, Version_ResourceWithoutItsSignature_IsEmpty) {
+    makeEngineLibrary(131, 3, 5, 1);
+    ASSERT_EQ(getEngineFileVersion(base.wstring()), L"131.3.5");
+    makeEngineLibrary(131, 3, 5, 1, 0x12345678);
     EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
 }
 
