@@ -161,7 +161,7 @@ TEST(Faults, ScriptThatNeverEnds_CloseReturnsAtOnce) {
     view->close();
     view.reset();
     EXPECT_LT(GetTickCount64() - before, kCloseMs);
-    EXPECT_TRUE(game.frames.lastFrame().cleared);
+    EXPECT_TRUE(game.waitFor("the end of frames", [&] { return game.frames.lastFrame().cleared; }));
 }
 
 TEST(Faults, EngineDataMissing_LogNamesTheFileBeforeTheEngineDies) {
