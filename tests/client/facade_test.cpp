@@ -114,13 +114,17 @@ TEST(Facade, NavigationStarting_MainWindowIsRepainted) {
     GameHost game;
     NavigationRecorder events;
     const auto view = std::make_shared<ZEMOWebViewWindow>();  // never shown: nothing else paints
-    game.pass(300ms);
-    game.gameMessages.clear();
-    game.pass(300ms);
-    ASSERT_EQ(std::ranges::count(game.gameMessages, UINT{WM_PAINT}, &GameMessage::id), 0) << "not quiet";
+    const auto paints = [&] { return std::ranges::count(game.gameMessages, UINT{WM_PAINT}, &GameMessage::id); };
+    // Windows of other tests come and go on the same desktop, and lay parts of this one bare.
+    bool quiet = false;
+    for (int i = 0; i < 40 && !quiet; ++i) {
+        game.gameMessages.clear();
+        game.pass(300ms);
+        quiet = paints() == 0;
+    }
+    ASSERT_TRUE(quiet) << "a window that is painted all the time";
     view->navigationStarting(view);
-    EXPECT_TRUE(game.waitFor(
-        "WM_PAINT", [&] { return std::ranges::count(game.gameMessages, UINT{WM_PAINT}, &GameMessage::id) == 1; }, 5s));
+    EXPECT_TRUE(game.waitFor("WM_PAINT", [&] { return paints() > 0; }, 5s));
 }
 
 }  // namespace ZEMO::Test
