@@ -84,7 +84,11 @@ bool HelperGame::waitForLine(const std::string& line, std::chrono::milliseconds 
 }
 
 bool HelperGame::waitForEnd(std::chrono::milliseconds timeout) {
-    return WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) == WAIT_OBJECT_0;
+    if (WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) != WAIT_OBJECT_0) return false;
+    // Its last lines may still be on their way through the pipe.
+    std::unique_lock lock(mutex);
+    arrived.wait_for(lock, std::chrono::seconds(10), [&] { return finished; });
+    return true;
 }
 
 DWORD HelperGame::exitCode() const {
