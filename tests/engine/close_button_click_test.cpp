@@ -12,6 +12,8 @@ namespace {
 bool realClick(GameHost& game, int x, int y) {
     POINT point{x, y};
     ClientToScreen(game.window, &point);
+    // Above the windows of other tests on the same desktop, which open at any moment and would take the press.
+    SetWindowPos(game.window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     SetForegroundWindow(game.window);
     if (!game.waitFor("the foreground", [&] { return GetForegroundWindow() == game.window; })) return false;
     SetCursorPos(point.x, point.y);
