@@ -1,5 +1,7 @@
 #include "child_app.h"
 
+#include "core/resource_names.h"
+
 namespace ZEMO::UI {
 namespace {
 
@@ -8,7 +10,7 @@ class ChildApp : public CefApp {
 public:
     void OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> registrar) override {
         // As in the browser process: a child that does not know the scheme never finishes such a page.
-        registrar->AddCustomScheme("zemosdkcustomscheme", CEF_SCHEME_OPTION_STANDARD | CEF_SCHEME_OPTION_CORS_ENABLED);
+        registrar->AddCustomScheme(Core::kCustomSchemeName, Core::kCustomSchemeOptions);
     }
 
 private:

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/cef_adapter.h"
+#include "engine/client/cef_adapter.h"
 #include "engine/game_host.h"
 #include "engine_bench/measured.h"
 

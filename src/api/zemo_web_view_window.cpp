@@ -12,7 +12,7 @@
 #include "controller/controller_scripts.h"
 #include "core/process_end.h"
 #include "layers/layer_manager.h"
-#include "layers/web_layer.h"
+#include "layers/web/web_layer.h"
 #include "render/pixel_scale.h"
 
 namespace ZEMO::UI {

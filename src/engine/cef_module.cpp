@@ -7,9 +7,10 @@
 #include "core/module_pin.h"
 #include "core/process_end.h"
 #include "core/sent_messages.h"
-#include "engine/cef_handler.h"
+#include "engine/engine_clients.h"
 #include "engine/engine_files.h"
 #include "engine/engine_library.h"
+#include "engine/engine_thread.h"
 #include "engine/runtime_selection.h"
 #include "engine/web_app.h"
 #include "include/cef_app.h"
@@ -63,7 +64,7 @@ class QuitWhenClosedTask : public CefTask {
 public:
     explicit QuitWhenClosedTask(ULONGLONG endTime) : deadline(endTime) {}
     void Execute() override {
-        if (CefHandler::liveBrowsers() == 0 || GetTickCount64() >= deadline) return CefQuitMessageLoop();
+        if (EngineClients::liveBrowsers() == 0 || GetTickCount64() >= deadline) return CefQuitMessageLoop();
         CefPostDelayedTask(TID_UI, this, kCloseCheckMs);
     }
 
@@ -75,7 +76,7 @@ private:
 class LeaveTask : public CefTask {
 public:
     void Execute() override {
-        CefHandler::leaveEngine();
+        EngineClients::leaveAll();
         CefPostTask(TID_UI, new QuitWhenClosedTask(GetTickCount64() + kCloseMs));
     }
 
@@ -125,7 +126,7 @@ void CefModule::stop() {
 
 void CefModule::stopAtExit() {
     const std::shared_ptr<CefModule> module = cefModuleInstance();
-    if (!module || Core::isShutdownInProgress() || module->engineThreadId == GetCurrentThreadId()) return;
+    if (!module || Core::isShutdownInProgress() || engineThreadId == GetCurrentThreadId()) return;
     Core::markProcessEnding();
     if (WaitForSingleObject(module->stopped.get(), 0) != WAIT_OBJECT_0) CefPostTask(TID_UI, new LeaveTask);
     if (!Core::waitServingSentMessages(module->stopped.get(), kExitMs)) {

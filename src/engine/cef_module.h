@@ -59,7 +59,6 @@ private:
     std::mutex readyMutex;
     HINSTANCE moduleInstance;
     Core::UniqueKernelHandle stopped;  ///< set when the engine has shut down, or was not started at all
-    std::atomic<DWORD> engineThreadId{0};
     std::shared_ptr<std::thread> engineThread;
     // Written on the engine thread before `ready`, read after the thread is gone.
     std::wstring cachePath;

@@ -7,6 +7,8 @@
 
 namespace ZEMO::UI {
 
+static_assert(Core::kCustomSchemeOptions == (CEF_SCHEME_OPTION_STANDARD | CEF_SCHEME_OPTION_CORS_ENABLED));
+
 void WebApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/, CefRefPtr<CefCommandLine> command_line) {
     command_line->AppendSwitch("no-proxy-server");
     command_line->AppendSwitch("disable-web-security");
@@ -16,7 +18,7 @@ void WebApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/, Ce
 }
 
 void WebApp::OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> registrar) {
-    registrar->AddCustomScheme(Core::kCustomSchemeName, kCustomSchemeOptions);
+    registrar->AddCustomScheme(Core::kCustomSchemeName, Core::kCustomSchemeOptions);
 }
 
 }  // namespace ZEMO::UI

@@ -4,9 +4,6 @@
 
 namespace ZEMO::UI {
 
-/// How the custom scheme is declared; the child processes must declare it alike.
-inline constexpr int kCustomSchemeOptions = CEF_SCHEME_OPTION_STANDARD | CEF_SCHEME_OPTION_CORS_ENABLED;
-
 /// The engine's view of this process: command-line switches and the custom scheme. Engine thread.
 class WebApp : public CefApp, public CefBrowserProcessHandler {
 public:

@@ -6,7 +6,7 @@
 #include "client/engine_task.h"
 #include "core/process_state.h"
 #include "engine/cef_module.h"
-#include "engine/javascript_processor.h"
+#include "engine/client/script/javascript_processor.h"
 #include "include/cef_process_message.h"
 #include "include/cef_values.h"
 #include "layers/layer_manager.h"
@@ -74,9 +74,9 @@ protected:
 
 TEST_F(Callbacks, EvaluationAnswer_CallsTheWaitingFunctionWithElementsTwoAndThree) {
     std::vector<std::string> got;
-    view.adapter->getJavascriptProcessor()->getPendingResults()["{id}"] = [&](std::string first, std::string second) {
-        got = {first, second};
-    };
+    const auto processor = view.adapter->getJavascriptProcessor();
+    processor->flushQueuedEvaluations();
+    processor->evaluate("{id}", "", [&](std::string first, std::string second) { got = {first, second}; });
     EXPECT_TRUE(receive("evaluateJavascript", [](auto list) {
         list->SetString(0, "{id}");
         list->SetString(1, "ignored");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/cef_adapter.h"
+#include "engine/client/cef_adapter.h"
 #include "engine/game_host.h"
 #include "include/cef_browser.h"
 

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "client/engine_task.h"
-#include "engine/cef_handler.h"
+#include "engine/client/cef_handler.h"
 #include "include/cef_browser.h"
 #include "layers/layer_manager.h"
 #include "render/display_scale.h"

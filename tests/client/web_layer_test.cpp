@@ -3,7 +3,7 @@
 #include "client/engine_task.h"
 #include "engine/game_host.h"
 #include "include/cef_browser.h"
-#include "layers/web_layer.h"
+#include "layers/web/web_layer.h"
 #include "support/http_server.h"
 
 // The layer that joins a window to a browser, held by the test itself, on the game's real window with the real engine.

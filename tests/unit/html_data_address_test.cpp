@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "cef/engine_library.h"
-#include "layers/page_address.h"
+#include "layers/web/page_address.h"
 
 // The engine's own encoders make the address: its library is loaded here, and not started.
 namespace ZEMO::UI {

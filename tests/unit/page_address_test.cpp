@@ -1,4 +1,4 @@
-#include "layers/page_address.h"
+#include "layers/web/page_address.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "layers/special_url.h"
+#include "layers/web/special_url.h"
 
 #include <gtest/gtest.h>
 

@@ -1,17 +1,15 @@
-#include "layers/web_layer.h"
+#include "layers/web/web_layer.h"
 
 // What the layer's window reports, on that window's thread. Input goes to the browser and is dropped before there is
 // one.
 namespace ZEMO::UI {
 
-bool WebLayer::hasBrowser() { return adapter && adapter->getBrowser(); }
-
 void WebLayer::onSize(const RECT& /*client*/, int /*width*/, int /*height*/) {
-    if (hasBrowser()) adapter->onWindowResized();
+    withBrowser([&](const CefRefPtr<CefBrowser>&) { adapter->onWindowResized(); });
 }
 
 void WebLayer::onMaximizeRestore() {
-    if (hasBrowser()) adapter->startWiggleResize();
+    withBrowser([&](const CefRefPtr<CefBrowser>&) { adapter->startWiggleResize(); });
 }
 
 void WebLayer::onDestroy() {
@@ -26,23 +24,30 @@ void WebLayer::onClose() {
 }
 
 void WebLayer::onMouseButton(int button, bool up, int x, int y) {
-    if (hasBrowser()) adapter->sendMouseClick(button, up, x, y);
+    withBrowser(
+        [&](const CefRefPtr<CefBrowser>& browser) { adapter->getInput().sendMouseClick(browser, button, up, x, y); });
 }
 
 void WebLayer::onMouseMove(int x, int y, uint32_t modifiers) {
-    if (hasBrowser()) adapter->sendMouseMove(x, y, modifiers);
+    withBrowser(
+        [&](const CefRefPtr<CefBrowser>& browser) { adapter->getInput().sendMouseMove(browser, x, y, modifiers); });
 }
 
 void WebLayer::onMouseWheel(WPARAM wParam, int x, int y, bool horizontal, bool clientCoordinates) {
-    if (hasBrowser()) adapter->sendMouseWheel(wParam, x, y, horizontal, clientCoordinates);
+    withBrowser([&](const CefRefPtr<CefBrowser>& browser) {
+        adapter->getInput().sendMouseWheel(browser, wParam, x, y, horizontal, clientCoordinates);
+    });
 }
 
 void WebLayer::onKey(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (hasBrowser()) adapter->sendKey(message, wParam, lParam);
+    withBrowser(
+        [&](const CefRefPtr<CefBrowser>& browser) { adapter->getInput().sendKey(browser, message, wParam, lParam); });
 }
 
 void WebLayer::onPointer(UINT message, uint32_t pointerId, int x, int y) {
-    if (hasBrowser()) adapter->sendTouch(pointerId, x, y, message);
+    withBrowser([&](const CefRefPtr<CefBrowser>& browser) {
+        adapter->getInput().sendTouch(browser, pointerId, x, y, message);
+    });
 }
 
 void WebLayer::onImeSetContext() {

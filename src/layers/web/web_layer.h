@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/cef_adapter.h"
+#include "engine/client/cef_adapter.h"
 #include "layers/zemo_window.h"
 
 namespace ZEMO::UI {
@@ -96,7 +96,12 @@ private:
     void createBrowser(const std::string& address);
     void navigate(const std::string& address);
     void runInMainFrame(const std::string& script, bool withFrameUrl);
-    bool hasBrowser();
+    /// Calls `use` with the browser, if there is one: what is tested is what is used.
+    template <class Use>
+    void withBrowser(Use use) {
+        const CefRefPtr<CefBrowser> browser = adapter ? adapter->getBrowser() : nullptr;
+        if (browser) use(browser);
+    }
 
     CefRefPtr<CefAdapter> adapter;
     bool browserRequested = false;                    ///< the engine has taken the request for a browser

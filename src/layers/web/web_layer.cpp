@@ -1,16 +1,16 @@
-#include "layers/web_layer.h"
+#include "layers/web/web_layer.h"
 
 #include <cstring>
 #include <utility>
 
 #include "controller/controller_scripts.h"
 #include "core/process_end.h"
-#include "engine/javascript_processor.h"
+#include "engine/client/script/javascript_processor.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
 #include "layers/layer_manager.h"
-#include "layers/page_address.h"
-#include "layers/special_url.h"
+#include "layers/web/page_address.h"
+#include "layers/web/special_url.h"
 
 namespace ZEMO::UI {
 namespace {

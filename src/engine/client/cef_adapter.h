@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/cef_handler.h"
+#include "engine/client/cef_handler.h"
 
 namespace ZEMO::UI {
 

@@ -1,10 +1,11 @@
-#include "engine/cef_adapter.h"
+#include "engine/client/cef_adapter.h"
 
 #include <system_error>
 
 #include "core/log.h"
 #include "core/process_end.h"
-#include "engine/javascript_processor.h"
+#include "engine/client/script/javascript_processor.h"
+#include "engine/engine_thread.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
 #include "include/cef_request.h"
@@ -56,16 +57,19 @@ bool CefAdapter::navigationRequested(std::string url) {
 
 void CefAdapter::OnLoadStart(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                              TransitionType /*transition_type*/) {
+    assert(isOnEngineThread());
     navigationStarting();
 }
 
 void CefAdapter::OnLoadEnd(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> /*frame*/, int /*httpStatusCode*/) {
+    assert(isOnEngineThread());
     navigationCompleted();
     browser->GetHost()->SetFocus(true);
 }
 
 void CefAdapter::OnLoadError(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame, ErrorCode errorCode,
                              const CefString& /*errorText*/, const CefString& failedUrl) {
+    assert(isOnEngineThread());
     switch (errorCode) {
         case ERR_ABORTED:
             return;  // a newer navigation took its place
@@ -78,16 +82,19 @@ void CefAdapter::OnLoadError(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFra
 
 bool CefAdapter::OnBeforeBrowse(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                                 CefRefPtr<CefRequest> request, bool /*user_gesture*/, bool /*is_redirect*/) {
+    assert(isOnEngineThread());
     return navigationRequested(request->GetURL());
 }
 
 void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, TerminationStatus /*status*/,
                                            int /*error_code*/, const CefString& /*error_string*/) {
+    assert(isOnEngineThread());
     browser->Reload();
     navigationFailed(kRenderProcessGone);
 }
 
 void CefAdapter::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, TextInputMode input_mode) {
+    assert(isOnEngineThread());
     // The system's on-screen keyboard comes with touch input; until then only the game's own is asked for.
     if (input_mode == CEF_TEXT_INPUT_MODE_NONE) return;
     auto& manager = ZEMOMultiLayerManager::instance();

@@ -1,4 +1,4 @@
-#include "layers/special_url.h"
+#include "layers/web/special_url.h"
 
 #include "zemo/string_util.h"
 #include "zemo/url.h"

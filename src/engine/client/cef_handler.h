@@ -4,33 +4,36 @@
 
 #include <imm.h>
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
-#include "core/unique_handle.h"
+#include "engine/client/frames/page_frames.h"
+#include "engine/client/input/page_input.h"
+#include "engine/client/request/content_items.h"
+#include "engine/engine_clients.h"
 #include "include/cef_client.h"
-#include "include/cef_task.h"
 #include "layers/window_events.h"
 #include "render/cef_render_impl.h"
-#include "render/osr_renderer.h"
 #include "zemo/ui.h"
 
 namespace ZEMO::UI {
 
 class JavascriptProcessor;
 
-/// The object that the engine calls back into, one for each browser, and the way from the window side to that browser.
+/// The object that the engine calls back into, one for each browser, and the way from the window side to that browser:
+/// who the browser is, how it lives and ends, and where each callback goes. What a page does beside that belongs to
+/// the member objects (frames, input, script, requests).
 ///
 /// Threads: engine callbacks come on the engine thread. The plain operations come on the thread of the layer's window,
-/// close on the thread that destroys the layer. A render thread of its own runs from construction to close; it only
-/// uses the browser and the consumers, never the object's references, since none exists yet when it starts. Lifetime:
-/// reference counted; the web layer and the engine hold it. close must have run before the last reference goes.
+/// close on the thread that destroys the layer. A render thread of the frames' own runs from construction to close; it
+/// only uses the browser and the consumers, never the object's references, since none exists yet when it starts.
+/// Lifetime: reference counted; the web layer and the engine hold it. close must have run before the last reference
+/// goes.
 class CefHandler : public CefClient,
                    public CefRenderHandler,
                    public CefLifeSpanHandler,
@@ -38,7 +41,8 @@ class CefHandler : public CefClient,
                    public CefRequestHandler,
                    public CefDisplayHandler,
                    public CefDownloadHandler,
-                   public CefResourceRequestHandler {
+                   public CefResourceRequestHandler,
+                   private IEngineClient {
 public:
     CefHandler(HWND window, WindowStyle windowStyle, bool hasCloseButton, HMODULE hookModule, uint32_t hookSleepTime,
                OsrFramePresentCallback framePresentCallback);
@@ -47,23 +51,12 @@ public:
     /// The browser, or null before it exists and after close. Any thread.
     CefRefPtr<CefBrowser> getBrowser();
     std::shared_ptr<JavascriptProcessor> getJavascriptProcessor() { return javascriptProcessor; }
-
-    /// As the process exits: ends every view's use of the engine without a word to its consumer, whose game may be half
-    /// gone. The views stay as they are and show nothing more. Engine thread.
-    static void leaveEngine();
-    /// Browsers that the engine has made and not closed yet. Engine thread.
-    static int liveBrowsers();
+    /// Mouse, keyboard and touch, with the browser that the caller has found by getBrowser.
+    PageInput& getInput() { return input; }
 
     /// Ends the view: the render thread is joined, the browser told to close, the consumer told that nothing is left to
     /// show. Does not wait for the browser. Must not run on the render thread.
     void close();
-
-    // Input, in device pixels of the window. Not forwarded to the page yet.
-    void sendMouseClick(int button, bool mouseUp, int x, int y);
-    void sendMouseMove(int x, int y, uint32_t modifiers);
-    void sendMouseWheel(WPARAM wParam, int x, int y, bool horizontal, bool clientCoordinates);
-    void sendKey(UINT message, WPARAM wParam, LPARAM lParam);
-    void sendTouch(uint32_t id, int x, int y, UINT pointerMessage);
 
     // Text input. Not forwarded to the page yet.
     void commitImeText(const std::string& utf8Text);
@@ -77,16 +70,13 @@ public:
     bool onImeQueryCharPosition(IMECHARPOSITION* position);
     void cancelImeComposition();
 
-    void setNoWindow(bool value) { noWindow = value; }
-    void setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) { contentItems = std::move(items); }
-    void onWindowResized();
-    void setVisible(bool show, bool keepHookFrame);
-    /// No further frame is taken; the window is going away.
-    void markClosing() { closing.exchange(true); }
-    /// After a maximise or restore: a few slightly smaller sizes force the page to lay out anew.
-    void startWiggleResize() { wiggleResize = true; }
-    /// The close button may be drawn from now on.
-    void showCloseButton() { closeButtonShown = true; }
+    void setNoWindow(bool value) { frames.getViewSize().setNoWindow(value); }
+    void setContentItems(ContentItems::List items) { contentItems.set(std::move(items)); }
+    void onWindowResized() { frames.onWindowResized(); }
+    void setVisible(bool show, bool keepHookFrame) { frames.setVisible(show, keepHookFrame); }
+    void markClosing() { frames.markClosing(); }
+    void startWiggleResize() { frames.getViewSize().startWiggle(); }
+    void showCloseButton() { frames.showCloseButton(); }
 
     // CefClient
     CefRefPtr<CefContextMenuHandler> GetContextMenuHandler() override { return contextMenuHandler; }
@@ -130,53 +120,33 @@ protected:
     CefHandler(HWND window, WindowStyle windowStyle, bool hasCloseButton, uint32_t hookSleepTime,
                const ConsumerFactory& makeConsumer);
     /// A local renderer of the caller's own, for tests. Any thread.
-    void setLocalRenderer(std::shared_ptr<IOsrRenderer> local) { renderer.store(std::move(local)); }
+    void setLocalRenderer(std::shared_ptr<IOsrRenderer> local) { frames.setLocalRenderer(std::move(local)); }
 
     HWND viewWindow() const { return window; }
+    const PageInput& getInput() const { return input; }
     /// Posts a message to the view's window when that lives.
     void postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const;
 
 private:
-    void takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
-                   const void* buffer, int width, int height);
-    void ensureRenderer();
-    void refreshBrowser();
-    void renderThreadMain();
-    bool waitForNextCycle();
-    void stopRenderThread();
+    // IEngineClient
+    void leaveEngine() override;
+
     void letGoOfBrowser();
-    void onPasswordFieldFocus(CefRefPtr<CefBrowser> browser, bool focused);
+    void onPasswordFieldFocus(const CefRefPtr<CefBrowser>& source, const CefRefPtr<CefProcessMessage>& message);
 
     // Shared between threads.
     std::mutex browserMutex;  ///< guards `browser` and its hand-over to the script bridge
     CefRefPtr<CefBrowser> browser;
-    std::atomic<bool> clearPending{false};  ///< the consumer has still to hear that nothing is left to show
-    std::recursive_timed_mutex paintMutex;  ///< one frame or the end of frames; held while the consumer is called
-    std::atomic<std::shared_ptr<IOsrRenderer>> renderer;
-    std::atomic<bool> needResize{false};
-    std::atomic<bool> stopped{false};
-    std::atomic<bool> visible{true};
-    std::atomic<bool> closing{false};
-    std::atomic<bool> wiggleResize{false};
-    Core::UniqueKernelHandle stopEvent;  ///< set with `stopped`: ends the render thread's wait
+    ContentItems contentItems;
 
-    // Engine thread.
-    int wiggleCount = 10;
-    bool closeButtonShown = false;
-
-    // Fixed after construction, but for noWindow and contentItems, which are set before the browser exists.
+    // Fixed after construction.
     CefRefPtr<CefContextMenuHandler> contextMenuHandler;
     std::shared_ptr<JavascriptProcessor> javascriptProcessor;
-    std::vector<std::shared_ptr<IZEMOWebContent>> contentItems;
     HWND window;
     WindowStyle windowStyle;
-    bool noWindow = false;
-    bool hasCloseButton;
-    uint32_t hookSleepTime;
     float dpiScale;  ///< device pixels for each logical pixel, taken once
-    std::unique_ptr<CefRenderImpl> renderImpl;
-    std::mutex renderThreadMutex;  ///< one join, of the view's end or of the exit
-    std::thread renderThread;
+    PageInput input;
+    PageFrames frames;  ///< last: its thread asks for the browser
 
     IMPLEMENT_REFCOUNTING(CefHandler);
 };

@@ -1,0 +1,153 @@
+#include "engine/client/frames/page_frames.h"
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+#include <cstdint>
+#include <utility>
+
+#include "render/pixel_scale.h"
+
+// The end of frames, in order: no frame is taken any more, the render thread ends, the consumer hears that there is
+// nothing left to show. That notice is always the last call and never comes beside or inside a frame: when one is being
+// taken, by another thread that takes too long or by the very call that drops the view, the paint tells the consumer as
+// it returns.
+namespace ZEMO::UI {
+namespace {
+
+/// The engine paints frames of 1x1 before a page's first layout; no local renderer gets those.
+constexpr int kSmallestLocalFrame = 2;
+
+/// How long the end of a view waits for a frame that the game is just taking. A consumer that blocks longer breaks its
+/// contract.
+constexpr auto kPaintGrace = std::chrono::milliseconds(500);
+
+// A page's rectangle may be any; its end stays within an int.
+int endOf(int start, int length) {
+    return static_cast<int>(std::clamp(int64_t{start} + length, int64_t{INT_MIN}, int64_t{INT_MAX}));
+}
+
+}  // namespace
+
+PageFrames::PageFrames(HWND viewWindow, float dpiScale, bool closeButton, uint32_t sleepTime,
+                       std::unique_ptr<CefRenderImpl> frameConsumer, BrowserSource browserSource)
+    : window(viewWindow),
+      scale(dpiScale),
+      hasCloseButton(closeButton),
+      hookSleepTime(sleepTime),
+      consumer(std::move(frameConsumer)),
+      getBrowser(std::move(browserSource)),
+      viewSize(viewWindow, dpiScale) {
+    ensureRenderer();
+}
+
+void PageFrames::start() {
+    cycle.start([this] { return runCycle(); });
+}
+
+void PageFrames::stop() {
+    visible = false;
+    cycle.stop();
+}
+
+void PageFrames::finish(bool lastLayer) {
+    clearPending = true;
+    const bool insideFrame = paintThread == GetCurrentThreadId();
+    std::unique_lock paint(paintMutex, std::defer_lock);
+    const bool noPaintRuns = !insideFrame && paint.try_lock_for(kPaintGrace);
+    if (!closing && lastLayer) consumer->onViewClosed();
+    if (const auto local = renderer.load()) local->onViewHidden();
+    if (noPaintRuns && clearPending.exchange(false)) consumer->clearFrame();
+    if (window) InvalidateRect(window, nullptr, TRUE);
+}
+
+void PageFrames::ensureRenderer() {
+    if (consumer->isActive()) return;
+    if (!renderer.load()) renderer.store(createOsrRenderer(kRendererOpenGL, window, hasCloseButton));
+}
+
+void PageFrames::refreshBrowser() {
+    if (cycle.isStopped() || !visible) return;
+    if (const CefRefPtr<CefBrowser> current = getBrowser()) {
+        current->GetHost()->WasResized();
+        current->GetHost()->Invalidate(PET_VIEW);
+    }
+}
+
+bool PageFrames::runCycle() {
+    if (closing) return false;
+    consumer->tick(hookSleepTime);
+    ensureRenderer();
+    const std::shared_ptr<IOsrRenderer> local = renderer.load();
+    if (consumer->needsRepaint() || (local && local->isPopupRectEmpty())) refreshBrowser();
+    if (local && !cycle.isStopped() && visible) {
+        bool resize = needResize.exchange(false);
+        local->render(&resize);
+        if (resize) needResize = true;
+    }
+    return true;
+}
+
+void PageFrames::onWindowResized() {
+    refreshBrowser();
+    needResize = true;
+    consumer->onResized();
+}
+
+void PageFrames::setVisible(bool show, bool keepHookFrame) {
+    visible = show;
+    if (show) {
+        if (getBrowser()) {
+            refreshBrowser();
+            needResize = true;
+        }
+        return;
+    }
+    if (!keepHookFrame) consumer->onViewClosed();
+    if (const auto local = renderer.load()) local->onViewHidden();
+    if (window) InvalidateRect(window, nullptr, TRUE);
+}
+
+void PageFrames::onPaint(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                         const void* buffer, int width, int height) {
+    const std::lock_guard paint(paintMutex);
+    if (closing || !visible) return;
+    paintThread = GetCurrentThreadId();
+    takeFrame(source, type, dirtyRects, buffer, width, height);
+    paintThread = 0;
+    if (clearPending.exchange(false)) consumer->clearFrame();  // the view ended meanwhile
+}
+
+void PageFrames::takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                           const void* buffer, int width, int height) {
+    const bool drawClose = hasCloseButton && closeButtonShown;
+    if (consumer->paint(drawClose, source, type, dirtyRects, buffer, width, height)) return;
+    const std::shared_ptr<IOsrRenderer> local = renderer.load();
+    if (!local || width < kSmallestLocalFrame || height < kSmallestLocalFrame || !IsWindow(window)) return;
+    local->onPaint(type, dirtyRects, buffer, width, height);
+    if (type != PET_VIEW) return;
+    CefRect popup;
+    local->getPopupRect(&popup);
+    if (popup.width > 0 && popup.height > 0) source->GetHost()->Invalidate(PET_POPUP);
+}
+
+void PageFrames::onPopupShow(const CefRefPtr<CefBrowser>& source, bool show) {
+    consumer->onPopupShow(show);
+    const std::shared_ptr<IOsrRenderer> local = renderer.load();
+    if (!show) {
+        if (local) local->clearPopupRects();
+        source->GetHost()->Invalidate(PET_VIEW);
+    }
+    if (local) local->onPopupShow(source, show);
+}
+
+void PageFrames::onPopupSize(const CefRefPtr<CefBrowser>& source, const CefRect& rect) {
+    Rect device;
+    logicalToDeviceRect(device, Rect{rect.x, rect.y, rect.width, rect.height}, scale);
+    consumer->onPopupRect({device.x, device.y, endOf(device.x, device.width), endOf(device.y, device.height)});
+    if (const auto local = renderer.load()) {
+        local->onPopupSize(source, CefRect(device.x, device.y, device.width, device.height));
+    }
+}
+
+}  // namespace ZEMO::UI
