@@ -30,7 +30,11 @@ bool isPrivateImeMessage(UINT message) { return message == kMessageImeFocus || m
 ZEMOMultiLayerManager::~ZEMOMultiLayerManager() {
     if (const WNDPROC previous = previousWindowProc)
         SetWindowLongPtrW(mainWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-    if (const HMODULE module = graphicsHookModule) FreeLibrary(module);
+}
+
+void ZEMOMultiLayerManager::setGraphicsHookModule(HMODULE module) {
+    if (module) hookModules.emplace_back(module);
+    graphicsHookModule = module;
 }
 
 void ZEMOMultiLayerManager::subclassMainWindow() {
@@ -123,11 +127,11 @@ void ZEMOMultiLayerManager::setImeProcess(uint32_t kind, const std::u16string* t
 
 void ZEMOMultiLayerManager::processSteamDeckKeyboardClose() {
     if (const std::shared_ptr<ILayer> layer = topLayer()) layer->blurActiveElement();
-    steamDeckKeyboardShown = false;
+    settings.setSteamDeckKeyboardShown(false);
 }
 
 void ZEMOMultiLayerManager::setSteamOverlayActiveStatus(bool active) {
-    steamOverlayActive = active;
+    settings.setSteamOverlayActive(active);
     if (const std::shared_ptr<ILayer> layer = topLayer()) layer->setSteamOverlayActive(active);
 }
 

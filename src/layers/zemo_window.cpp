@@ -1,7 +1,7 @@
 #include "layers/zemo_window.h"
 
 #include "layers/cursor_restore.h"
-#include "layers/window_message.h"
+#include "layers/messages/window_message.h"
 
 namespace ZEMO::UI {
 

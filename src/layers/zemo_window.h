@@ -83,34 +83,12 @@ private:
     static unsigned __stdcall ownWindowThread(void* argument);
     static LRESULT CALLBACK ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
-    // own_window_proc.cpp
+    // messages/: one table from message to function for each style
+    struct LayerStyle;
+    struct OwnStyle;
     using OwnResult = std::optional<LRESULT>;  ///< empty: the system's default answer is wanted
     OwnResult windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    OwnResult onOwnState(const WindowMessage& m);
-
-    // layer_message_handler.cpp
-    bool onLayerState(const WindowMessage& m);
-
-    // mouse_messages.cpp
-    bool onLayerMouse(const WindowMessage& m);
-    OwnResult onOwnMouse(const WindowMessage& m);
     void moveMouse(const WindowMessage& m, int x, int y, WPARAM keys);
-
-    // pointer_messages.cpp
-    bool onLayerPointer(const WindowMessage& m);
-    OwnResult onOwnPointer(const WindowMessage& m);
-
-    // ime_messages.cpp
-    bool onLayerIme(LRESULT* result, const WindowMessage& m);
-    OwnResult onOwnIme(const WindowMessage& m);
-
-    // cursor_messages.cpp
-    bool onLayerSetCursor(const WindowMessage& m);
-    OwnResult onOwnSetCursor(const WindowMessage& m);
-
-    // private_messages.cpp
-    bool onLayerPrivate(const WindowMessage& m);
-    OwnResult onOwnPrivate(const WindowMessage& m);
 
     IXbtn* closeButtonIfShown() const { return closeButtonShown.load(std::memory_order_acquire); }
     bool isOnCloseButton(const WindowMessage& m) const;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "layers/close_button.h"
-#include "layers/track_mouse_leave.h"
+#include "layers/messages/track_mouse_leave.h"
 #include "render/display_scale.h"
 #include "window/window_test_support.h"
 

@@ -2,8 +2,8 @@
 
 #include <system_error>
 
+#include "core/game_callback.h"
 #include "core/log.h"
-#include "core/process_end.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
@@ -29,7 +29,7 @@ CefAdapter::CefAdapter(WebViewLink link, HWND window, WindowStyle style, bool cl
       delegate(std::move(link)) {}
 
 std::shared_ptr<ZEMOWebViewDelegate> CefAdapter::gameDelegate() const {
-    return Core::isProcessEnding() ? nullptr : delegate.delegate.lock();
+    return Core::unlessProcessEnds(delegate.delegate.lock());
 }
 
 void CefAdapter::navigationStarting() {

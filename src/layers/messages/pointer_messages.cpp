@@ -1,17 +1,14 @@
-#include "layers/pointer_messages.h"
+#include "layers/messages/pointer_messages.h"
 
 #include "layers/input_modifiers.h"
-#include "layers/window_message.h"
-#include "layers/zemo_window.h"
+#include "layers/messages/layer_style.h"
+#include "layers/messages/own_style.h"
 
 namespace ZEMO::UI {
 
 PointerInfoFunction pointerInfoSource = ::GetPointerInfo;
 
 namespace {
-
-constexpr int kLeft = 0;
-constexpr int kRight = 2;
 
 /// A change of the second button, which a left press or release is not.
 bool isSecondButtonChange(const WindowMessage& m, const POINTER_INFO& info) {
@@ -31,10 +28,10 @@ WPARAM pointerMouseKeys(POINTER_FLAGS flags) {
     return keys;
 }
 
-bool ZEMOWindow::onLayerPointer(const WindowMessage& m) {
-    if (steamOverlayActive) return false;
+bool ZEMOWindow::LayerStyle::pointer(ZEMOWindow& layer, LRESULT*, const WindowMessage& m) {
+    if (layer.steamOverlayActive) return false;
     const bool isDown = m.message == WM_POINTERDOWN;
-    const bool consumed = !isDown || frameConsumerActive;
+    const bool consumed = !isDown || layer.frameConsumerActive;
     const uint32_t id = LOWORD(m.wParam);
     POINTER_INFO info{};
     if (!pointerInfoSource(id, &info)) return consumed;
@@ -42,24 +39,24 @@ bool ZEMOWindow::onLayerPointer(const WindowMessage& m) {
     const bool isMouse = info.pointerType == PT_MOUSE;
 
     if (isMouse && m.message == WM_POINTERUPDATE) {
-        moveMouse(m, at.x, at.y, pointerMouseKeys(info.pointerFlags));
+        layer.moveMouse(m, at.x, at.y, pointerMouseKeys(info.pointerFlags));
         return true;
     }
     // A touch or a pen also clicks the button when it moves or lifts over it; a mouse only with its press.
-    if ((isDown || !isMouse) && isOnCloseButton(m)) {
-        clickCloseButton();
+    if ((isDown || !isMouse) && layer.isOnCloseButton(m)) {
+        layer.clickCloseButton();
         return true;
     }
     if (!isMouse) {
-        onPointer(m.message, id, at.x, at.y);
+        layer.onPointer(m.message, id, at.x, at.y);
         return consumed;
     }
     if (isSecondButtonChange(m, info)) return true;
-    onMouseButton(kLeft, !isDown, at.x, at.y);
+    layer.onMouseButton(kLeftButton, !isDown, at.x, at.y);
     return consumed;
 }
 
-ZEMOWindow::OwnResult ZEMOWindow::onOwnPointer(const WindowMessage& m) {
+ZEMOWindow::OwnResult ZEMOWindow::OwnStyle::pointer(ZEMOWindow& layer, const WindowMessage& m) {
     const bool isDown = m.message == WM_POINTERDOWN;
     const uint32_t id = LOWORD(m.wParam);
     POINTER_INFO info{};
@@ -68,14 +65,14 @@ ZEMOWindow::OwnResult ZEMOWindow::onOwnPointer(const WindowMessage& m) {
     const bool isMouse = info.pointerType == PT_MOUSE;
 
     if (isMouse && m.message == WM_POINTERUPDATE) {
-        moveMouse(m, at.x, at.y, pointerMouseKeys(info.pointerFlags));
-    } else if ((isDown || !isMouse) && isOnCloseButton(m)) {
+        layer.moveMouse(m, at.x, at.y, pointerMouseKeys(info.pointerFlags));
+    } else if ((isDown || !isMouse) && layer.isOnCloseButton(m)) {
         if (isMouse) SetWindowLongPtrW(m.hwnd, GWLP_USERDATA, 0);
-        clickCloseButton();
+        layer.clickCloseButton();
     } else if (!isMouse) {
-        onPointer(m.message, id, at.x, at.y);
+        layer.onPointer(m.message, id, at.x, at.y);
     } else {
-        onMouseButton(isSecondButtonChange(m, info) ? kRight : kLeft, !isDown, at.x, at.y);
+        layer.onMouseButton(isSecondButtonChange(m, info) ? kRightButton : kLeftButton, !isDown, at.x, at.y);
     }
     return 0;
 }
