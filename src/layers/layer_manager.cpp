@@ -15,6 +15,7 @@
 
 #include <algorithm>
 
+#include "layers/main_window.h"
 #include "layers/window_messages.h"
 #include "layers/xinput_switch.h"
 #include "render/graphics_hook.h"
@@ -47,12 +48,29 @@ void ZEMOMultiLayerManager::subclassMainWindow() {
     previousWindowProc = replaced ? reinterpret_cast<WNDPROC>(replaced) : before;
 }
 
+void ZEMOMultiLayerManager::setMainWindow(HWND window) {
+    mainWindow = window;
+    mainWindowDestroyed = false;
+}
+
+void ZEMOMultiLayerManager::replaceLostMainWindow() {
+    const std::lock_guard lock(mainWindowMutex);
+    const HWND lost = mainWindow;
+    if (!lost || (!mainWindowDestroyed && IsWindow(lost))) return;
+    const HWND found = findMainWindow();
+    if (!found) return;
+    previousWindowProc = nullptr;
+    setMainWindow(found);
+    subclassMainWindow();
+}
+
 LRESULT CALLBACK ZEMOMultiLayerManager::layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_DESTROY) ZEMOGraphicsHooker::onGameWindowDestroyed(message, wParam, lParam);
     ZEMOMultiLayerManager& manager = instance();
     LRESULT result = 0;
     if (manager.dispatchMessage(&result, hwnd, message, wParam, lParam)) return result;
     const WNDPROC previous = manager.previousWindowProc;
+    if (message == WM_NCDESTROY && hwnd == manager.mainWindow) manager.mainWindowDestroyed = true;
     return previous ? CallWindowProcW(previous, hwnd, message, wParam, lParam)
                     : DefWindowProcW(hwnd, message, wParam, lParam);
 }

@@ -32,6 +32,10 @@ public:
 
     /// On the thread of the main window. Does nothing without one, or when that window is subclassed already.
     void subclassMainWindow();
+    /// When the main window has been destroyed (a game may make a new one for another display mode), looks for it again
+    /// and subclasses what it finds. A window that lives is never left, and where none was found at the start, none is
+    /// looked for. Any thread.
+    void replaceLostMainWindow();
     static LRESULT CALLBACK layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
     /// Gives the message to the top layer. True when it is consumed: the game must not see it then.
@@ -53,7 +57,7 @@ public:
     void setSteamOverlayActiveStatus(bool active);
 
     HWND getMainWindow() const { return mainWindow; }
-    void setMainWindow(HWND window) { mainWindow = window; }
+    void setMainWindow(HWND window);
     HMODULE getGraphicsHookModule() const { return graphicsHookModule; }
     /// Takes the module over: it is freed with this object.
     void setGraphicsHookModule(HMODULE module);
@@ -104,6 +108,8 @@ private:
 
     GameSettings settings;
     std::atomic<HWND> mainWindow = nullptr;
+    std::mutex mainWindowMutex;                     ///< one search for a new one at a time
+    std::atomic<bool> mainWindowDestroyed = false;  ///< its handle may be another window's by now
     std::atomic<HMODULE> graphicsHookModule = nullptr;
     std::vector<Core::UniqueModule> hookModules;  ///< each that was loaded: a view may still use an older one
     std::atomic<WNDPROC> previousWindowProc = nullptr;

@@ -63,6 +63,10 @@ public:
     bool handleMessage(LRESULT* result, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
     void setSteamOverlayActive(bool active) override { steamOverlayActive = active; }
 
+    /// Closes the own window, as long as it is this view's: callable on any thread, also when the layer has gone. Empty
+    /// on the game's window.
+    std::function<void()> ownWindowCloser() const;
+
 protected:
     /// The button that createCloseButton puts up; a derived class may bring one of its own kind.
     virtual std::unique_ptr<IXbtn> makeCloseButton() const { return std::make_unique<XButton>(window); }

@@ -14,8 +14,8 @@
 
 #include "layers/cursor_restore.h"
 #include "layers/messages/pointer_messages.h"
-#include "layers/posted_text.h"
 #include "layers/messages/track_mouse_leave.h"
+#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"

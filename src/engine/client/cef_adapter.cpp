@@ -9,6 +9,7 @@
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
 #include "include/cef_request.h"
+#include "include/cef_task.h"
 #include "layers/layer_manager.h"
 
 namespace ZEMO::UI {
@@ -16,6 +17,18 @@ namespace {
 
 /// The library's own mark for a page process that died.
 constexpr int kRenderProcessGone = -600;
+
+class NavigationFailedTask : public CefTask {
+public:
+    NavigationFailedTask(CefRefPtr<CefAdapter> browserClient, int code)
+        : client(std::move(browserClient)), errorCode(code) {}
+    void Execute() override { client->navigationFailed(errorCode); }
+
+private:
+    CefRefPtr<CefAdapter> client;
+    int errorCode;
+    IMPLEMENT_REFCOUNTING(NavigationFailedTask);
+};
 
 constexpr int kKeyboardText = 0;
 constexpr int kKeyboardEmail = 2;
@@ -42,6 +55,11 @@ void CefAdapter::navigationFailed(int errorCode) {
     if (const auto target = gameDelegate()) {
         target->navigationFailed(delegate.view.lock(), std::error_code(errorCode, std::generic_category()));
     }
+}
+
+void CefAdapter::reportRefusedAddress(const std::string& address) {
+    Core::logDebugA("the engine refuses this address of %zu bytes: %.200s\n", address.size(), address.c_str());
+    CefPostTask(TID_UI, new NavigationFailedTask(this, ERR_INVALID_URL));
 }
 
 void CefAdapter::navigationCompleted() {

@@ -29,7 +29,6 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, uin
     : contextMenuHandler(new CefContextualMenuHandler),
       javascriptProcessor(std::make_shared<JavascriptProcessor>()),
       window(viewWindow),
-      windowStyle(style),
       dpiScale(getWindowScale(viewWindow)),
       input(viewWindow, dpiScale, [this](const CefRefPtr<CefBrowser>&) { cancelImeComposition(); }),
       frames(viewWindow, dpiScale, closeButton, sleepTime, consumerForStyle(style, makeConsumer(dpiScale)),
@@ -93,11 +92,7 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
     assert(isOnEngineThread());
     EngineClients::browserClosed();
-    if (windowStyle != WindowStyle::Window || Core::isProcessEnding()) return;
-    // The user may have closed the window long ago, and its handle may name another program's now.
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId()) PostMessageW(window, WM_CLOSE, 0, 0);
+    if (closeWindow && !Core::isProcessEnding()) closeWindow();
 }
 
 }  // namespace ZEMO::UI

@@ -70,6 +70,10 @@ public:
     bool onImeQueryCharPosition(IMECHARPOSITION* position);
     void cancelImeComposition();
 
+    /// How the view's own window is closed when its browser has gone; empty for a layer. Set before the browser exists.
+    void setWindowCloser(std::function<void()> closer) { closeWindow = std::move(closer); }
+    /// The view has ended, or is about to.
+    bool isClosed() const { return frames.isStopped(); }
     void setNoWindow(bool value) { frames.getViewSize().setNoWindow(value); }
     void setContentItems(ContentItems::List items) { contentItems.set(std::move(items)); }
     void onWindowResized() { frames.onWindowResized(); }
@@ -143,7 +147,7 @@ private:
     CefRefPtr<CefContextMenuHandler> contextMenuHandler;
     std::shared_ptr<JavascriptProcessor> javascriptProcessor;
     HWND window;
-    WindowStyle windowStyle;
+    std::function<void()> closeWindow;
     float dpiScale;  ///< device pixels for each logical pixel, taken once
     PageInput input;
     PageFrames frames;  ///< last: its thread asks for the browser

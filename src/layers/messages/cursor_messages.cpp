@@ -1,6 +1,6 @@
-#include "layers/window_edge.h"
 #include "layers/messages/layer_style.h"
 #include "layers/messages/own_style.h"
+#include "layers/window_edge.h"
 #include "layers/window_messages.h"
 
 namespace ZEMO::UI {

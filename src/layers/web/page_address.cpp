@@ -76,6 +76,15 @@ std::string rebaseHtml(std::string_view html, std::string_view path) {
     return Core::StringUtil::replaceAll(std::string(html), "../", prefix);
 }
 
+bool isRefusedAddress(const std::string& address) {
+    if (address.size() > kLongestAddress) return true;
+    if (address.find_first_not_of(" \t\r\n") == std::string::npos) return true;
+    // Text without a scheme is completed by the engine.
+    if (address.find("://") == std::string::npos) return false;
+    CefURLParts parts;
+    return !CefParseURL(address, parts);
+}
+
 std::string htmlDataAddress(std::string_view html, std::string_view path) {
     const std::string text = rebaseHtml(html, path);
     return "data:text/html;base64," + CefURIEncode(CefBase64Encode(text.data(), text.size()), false).ToString();

@@ -13,14 +13,14 @@ void WebLayer::onMaximizeRestore() {
 }
 
 void WebLayer::onDestroy() {
-    if (layerDestroyHandler) layerDestroyHandler();
+    if (const auto handler = layerDestroyHandler.get()) handler();
     adapter->markClosing();
 }
 
 void WebLayer::onKillFocus() {}  // the system's on-screen keyboard is not driven yet
 
 void WebLayer::onClose() {
-    if (windowCloseHandler) windowCloseHandler();
+    if (const auto handler = windowCloseHandler.get()) handler();
 }
 
 void WebLayer::onMouseButton(int button, bool up, int x, int y) {

@@ -28,7 +28,9 @@ cef_key_event_type_t keyEventType(UINT message) {
     }
 }
 
-cef_mouse_button_type_t buttonType(int button) { return button == kLeftButton ? MBT_LEFT : button == kMiddleButton ? MBT_MIDDLE : MBT_RIGHT; }
+cef_mouse_button_type_t buttonType(int button) {
+    return button == kLeftButton ? MBT_LEFT : button == kMiddleButton ? MBT_MIDDLE : MBT_RIGHT;
+}
 
 cef_touch_event_type_t touchEventType(UINT pointerMessage) {
     switch (pointerMessage) {
