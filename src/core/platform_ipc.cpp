@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/module_pin.h"
 #include "zemo/platform.h"
 
 // A text for another process: ipcSend() sends it as WM_COPYDATA to a window of the receiver, and a hook that ipcOpen()
@@ -68,9 +69,7 @@ void logWhat(const std::exception& error) {
 void ipcOpen(std::function<void(std::string)> callback) {
     if (Core::g_ZEMOWndHook) return;
     if (callback) ipcCallback.function = std::move(callback);
-    HMODULE self = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       reinterpret_cast<const wchar_t*>(&onMessageSent), &self);
+    Core::pinOwnModule();
     Core::g_ZEMOWndHook = SetWindowsHookExA(WH_CALLWNDPROC, onMessageSent, nullptr, GetCurrentThreadId());
     OutputDebugStringA("################       g_ZEMOWndHook is NULL ##############################\n");
 }
