@@ -43,10 +43,11 @@ std::wstring libraryBaseDirectory(Failures failures) {
     return directory;
 }
 
-std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size) {
-    if (!getOwnModulePath(buffer, size)) {
+std::wstring getOwnModuleDirectory() {
+    wchar_t buffer[kPathBufferSize] = {};
+    if (!getOwnModulePath(buffer, kPathBufferSize)) {
         logDebugA("getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)");
-        if (GetModuleFileNameW(nullptr, buffer, size) == 0) {
+        if (GetModuleFileNameW(nullptr, buffer, kPathBufferSize) == 0) {
             logDebugA("Fallback GetModuleFileName(NULL, ...) failed. Error: %lu", GetLastError());
             return {};
         }
@@ -54,11 +55,6 @@ std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size) {
     std::wstring directory = std::filesystem::path(buffer).parent_path().wstring();
     if (directory.empty()) logDebugA("Failed to get parent path from module path.");
     return directory;
-}
-
-std::wstring getOwnModuleDirectory() {
-    wchar_t buffer[kPathBufferSize] = {};
-    return moduleDirectoryThrough(buffer, kPathBufferSize);
 }
 
 std::wstring resolveModuleRelativePath(const std::wstring& relativePath) {

@@ -61,8 +61,7 @@ Core::UniqueCursor CustomCursorLoader::loadCandidate(const std::wstring& path, i
 HCURSOR CustomCursorLoader::load() {
     const std::map<std::wstring, int> candidates = {
         {L"resources/customcursor.cur", 0}, {L"resources/customcursor.ico", 0}, {L"resources/customcursor.png", 0}};
-    const std::wstring directory =
-        baseDirectory.empty() ? Core::libraryBaseDirectory(Core::Failures::Silent) : baseDirectory;
+    const std::wstring directory = Core::libraryBaseDirectory(Core::Failures::Silent);
     std::map<std::wstring, int> files;  // sorted by path: this is the order of trial
     for (const auto& [relativePath, size] : candidates) files[directory + L"\\" + relativePath] = size;
 

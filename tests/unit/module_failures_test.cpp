@@ -124,6 +124,16 @@ TEST(ModuleFailure, BaseDirectory_CutBeforeTheLastSeparatorOfEitherKind) {
     }
 }
 
+TEST(ModuleFailure, ExecutableWithoutADirectory_NoParentLogged) {
+    const ImportReplaced failing("GetModuleFileNameW", &toldName);
+    told = L"play.exe";
+    const DebugLogCapture log;
+    EXPECT_EQ(getOwnModuleDirectory(), L"");
+    EXPECT_THAT(log.texts(), ElementsAre("GetModuleFileNameW failed or truncated: 122",
+                                         "getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)",
+                                         "Failed to get parent path from module path."));
+}
+
 TEST(ModuleFailure, DirectoryUnknown_LocalHtmlPathIsEmpty) {
     const ImportReplaced failing("GetModuleFileNameW", &noName);
     const DebugLogCapture log;
