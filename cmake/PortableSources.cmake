@@ -3,6 +3,7 @@
 set(ZEMO_PORTABLE_SOURCES)
 foreach(candidate
     core/string_util.cpp
+    core/texts_under_way.cpp
     core/url.cpp
     render/frame_compositor.cpp
     render/cursor_file.cpp

@@ -6,10 +6,10 @@
 #include "api/file_select_view.h"
 #include "api/library_start.h"
 #include "api/zemo_web_view_window.h"
+#include "core/posted_text.h"
 #include "core/process_state.h"
 #include "core/resource_paths.h"
 #include "layers/layer_manager.h"
-#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 #include "zemo/ui.h"
 
@@ -41,9 +41,9 @@ std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog() { return std::
 
 std::filesystem::path getLocalHTMLResourcePath() { return Core::getLocalHtmlDirectory(); }
 
-void openBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), false); }
+void openBrowser(const ZEMO::Core::IURL& url) { openOutsideGame(url.getUrl(), false); }
 
-void openIncognitoBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), true); }
+void openIncognitoBrowser(const ZEMO::Core::IURL& url) { openOutsideGame(url.getUrl(), true); }
 
 void processSteamDeckKeyboardClose() { manager().processSteamDeckKeyboardClose(); }
 
@@ -53,7 +53,7 @@ void sendGameControllerCustomMsgData(const std::string& data) {
     const HWND foreground = GetForegroundWindow();
     if (!mainWindow || !foreground) return;  // every window without an owner would pass for an owned one
     if (foreground != mainWindow && GetWindow(foreground, GW_OWNER) != mainWindow) return;
-    postText(foreground, kMessageExternalScript, data);
+    Core::postText(foreground, kMessageExternalScript, data);
 }
 
 void sendGameControllerStatus(const std::string& statusJson) { manager().setGameControllerStatus(statusJson); }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controller/controller_scripts.h"
+#include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "layers/layer_manager.h"
 #include "layers/web/web_layer.h"
@@ -49,8 +50,7 @@ ZEMOWebViewWindow::~ZEMOWebViewWindow() {
     isClosed = true;
     if (Core::isProcessEnding()) {
         // A view in a static object of another module: the threads are gone, with whatever locks they held.
-        static auto& left = *std::make_unique<std::vector<std::shared_ptr<WebLayer>>>().release();
-        left.push_back(std::move(layer));
+        Core::leaveUndestroyed(std::move(layer));
         return;
     }
     if (displayMode == kModeLayer && layer) ZEMOMultiLayerManager::instance().removeLayer(layer);
