@@ -1,7 +1,6 @@
 # Library sources that need neither Windows nor the engine. They are part of the library as every other source, and are
-# built natively a second time, where the sanitizers and the fuzzers run. Paths are relative to src/.
-set(ZEMO_PORTABLE_SOURCES)
-foreach(candidate
+# built natively a second time, where the sanitizers and the fuzzers run.
+set(ZEMO_PORTABLE_SOURCES
     core/string_util.cpp
     core/texts_under_way.cpp
     core/url.cpp
@@ -10,7 +9,4 @@ foreach(candidate
     render/pixel_scale.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp)
-  if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
-    list(APPEND ZEMO_PORTABLE_SOURCES ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
-  endif()
-endforeach()
+list(TRANSFORM ZEMO_PORTABLE_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)
