@@ -5,6 +5,7 @@
 #include "core/log.h"
 #include "core/module_paths.h"
 #include "core/module_pin.h"
+#include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "core/sent_messages.h"
 #include "engine/engine_clients.h"
@@ -33,7 +34,6 @@
 namespace ZEMO::UI {
 namespace {
 
-constexpr DWORD kPathCharacters = 260;
 constexpr int kNameCharacters = 100;
 
 // At an exit: for all of it, for the browsers to close, between two looks at them.
@@ -43,14 +43,8 @@ constexpr int64_t kCloseCheckMs = 10;
 
 // Outlives every static object's destructor: at process end the engine thread may be gone with the object in use.
 std::shared_ptr<CefModule>& cefModuleInstance() {
-    static auto* instance = std::make_unique<std::shared_ptr<CefModule>>().release();
+    static Core::NeverDestroyed<std::shared_ptr<CefModule>> instance;
     return *instance;
-}
-
-std::wstring findBasePath() {
-    wchar_t buffer[kPathCharacters] = {};
-    if (!Core::getOwnModulePath(buffer, kPathCharacters)) GetModuleFileNameW(nullptr, buffer, kPathCharacters);
-    return directoryOf(buffer);
 }
 
 std::wstring localeName(LCTYPE what) {
@@ -99,8 +93,6 @@ private:
 std::wstring buildLanguageText(const std::wstring& language, const std::wstring& country) {
     return language + L"-" + country + L"," + language;
 }
-
-std::wstring directoryOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\/")); }
 
 void CefModule::QuitTask::Execute() { CefQuitMessageLoop(); }
 
@@ -192,7 +184,7 @@ void CefModule::runEngine() {
     settings.multi_threaded_message_loop = false;
     settings.windowless_rendering_enabled = true;
 
-    const std::wstring basePath = findBasePath();
+    const std::wstring basePath = Core::libraryBaseDirectory();
     const bool engineLoaded = loadEngineLibrary(basePath);
     try {
         cleanupStaleCaches(basePath);

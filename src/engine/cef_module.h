@@ -69,7 +69,4 @@ private:
 /// The language text for the engine: "ko-KR,ko" from language and country of the user's interface.
 std::wstring buildLanguageText(const std::wstring& language, const std::wstring& country);
 
-/// The path before its last separator, of either kind; the whole path when it has none.
-std::wstring directoryOf(const std::wstring& path);
-
 }  // namespace ZEMO::UI

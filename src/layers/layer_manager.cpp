@@ -15,6 +15,7 @@
 
 #include <algorithm>
 
+#include "core/posted_text.h"
 #include "layers/main_window.h"
 #include "layers/window_messages.h"
 #include "layers/xinput_switch.h"
@@ -24,6 +25,7 @@ namespace ZEMO::UI {
 
 namespace {
 
+bool carriesText(UINT message) { return message == kMessageExternalScript || message == kMessageExternalText; }
 bool isPrivateImeMessage(UINT message) { return message == kMessageImeFocus || message == kMessageImeBounds; }
 
 }  // namespace
@@ -87,9 +89,10 @@ bool ZEMOMultiLayerManager::dispatchMessage(LRESULT* result, HWND hwnd, UINT mes
         return true;
     }
     const std::lock_guard lock(messageMutex);
-    if (layerCount.load(std::memory_order_acquire) == 0) return false;
-    layer = topLayer();
-    return layer && layer->handleMessage(result, hwnd, message, wParam, lParam);
+    if (layerCount.load(std::memory_order_acquire) != 0) layer = topLayer();
+    if (layer) return layer->handleMessage(result, hwnd, message, wParam, lParam);
+    if (carriesText(message)) Core::dropPostedText(lParam);  // nobody is there to take it
+    return false;
 }
 
 void ZEMOMultiLayerManager::addLayer(std::weak_ptr<ILayer> layer) {

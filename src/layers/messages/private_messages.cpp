@@ -1,18 +1,18 @@
+#include "core/posted_text.h"
 #include "layers/input_modifiers.h"
 #include "layers/messages/layer_style.h"
 #include "layers/messages/own_style.h"
-#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 
 namespace ZEMO::UI {
 
 bool ZEMOWindow::LayerStyle::externalScript(ZEMOWindow& layer, LRESULT*, const WindowMessage& m) {
-    if (const auto payload = takePostedText(m.lParam)) layer.onExternalScript(*payload);
+    if (const auto payload = Core::takePostedText(m.lParam)) layer.onExternalScript(*payload);
     return false;
 }
 
 bool ZEMOWindow::LayerStyle::externalText(ZEMOWindow& layer, LRESULT*, const WindowMessage& m) {
-    if (const auto text = takePostedText(m.lParam)) layer.onExternalText(*text);
+    if (const auto text = Core::takePostedText(m.lParam)) layer.onExternalText(*text);
     return false;
 }
 
@@ -48,7 +48,7 @@ bool ZEMOWindow::LayerStyle::imeBounds(ZEMOWindow& layer, LRESULT*, const Window
 }
 
 ZEMOWindow::OwnResult ZEMOWindow::OwnStyle::externalScript(ZEMOWindow& layer, const WindowMessage& m) {
-    if (const auto payload = takePostedText(m.lParam)) layer.onExternalScript(*payload);
+    if (const auto payload = Core::takePostedText(m.lParam)) layer.onExternalScript(*payload);
     return 0;
 }
 
