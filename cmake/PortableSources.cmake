@@ -8,7 +8,10 @@ foreach(candidate
     render/cursor_file.cpp
     render/pixel_scale.cpp
     browser/loopback_request.cpp
-    browser/browser_rules.cpp)
+    browser/browser_rules.cpp
+    controller/controller_pages.cpp
+    controller/controller_scripts.cpp
+    controller/remote_input.cpp)
   if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
     list(APPEND ZEMO_PORTABLE_SOURCES ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
   endif()
