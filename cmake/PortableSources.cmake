@@ -8,5 +8,9 @@ set(ZEMO_PORTABLE_SOURCES
     render/cursor_file.cpp
     render/pixel_scale.cpp
     browser/loopback_request.cpp
-    browser/browser_rules.cpp)
+    browser/browser_rules.cpp
+    controller/controller_pages.cpp
+    controller/controller_scripts.cpp
+    controller/remote_input.cpp
+    engine/client/script/script_queue.cpp)
 list(TRANSFORM ZEMO_PORTABLE_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)

@@ -6,6 +6,7 @@
 #include "api/file_select_view.h"
 #include "api/library_start.h"
 #include "api/zemo_web_view_window.h"
+#include "controller/remote_input.h"
 #include "core/posted_text.h"
 #include "core/process_state.h"
 #include "core/resource_paths.h"
@@ -17,6 +18,8 @@ namespace ZEMO::UI {
 namespace {
 
 ZEMOMultiLayerManager& manager() { return ZEMOMultiLayerManager::instance(); }
+
+uint32_t scanCodeOf(uint32_t virtualKey) { return MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC); }
 
 }  // namespace
 
@@ -58,8 +61,13 @@ void sendGameControllerCustomMsgData(const std::string& data) {
 
 void sendGameControllerStatus(const std::string& statusJson) { manager().setGameControllerStatus(statusJson); }
 
-void sendUIRemoteInputEvent(const std::string& /*type*/, const std::string& /*action*/, const std::string& /*data*/,
-                            int /*x*/, int /*y*/) {}  // injected input is not part of this build yet
+void sendUIRemoteInputEvent(const std::string& type, const std::string& action, const std::string& data, int x, int y) {
+    const auto message = remoteInputMessage(type, action, data, x, y, scanCodeOf);  // a bad key throws, window or not
+    const HWND window = manager().getMainWindow();
+    if (!window) return;  // a post without a window would go to this thread's own queue
+    if (message) PostMessageW(window, message->message, message->wParam, message->lParam);
+    if (isRemoteText(type)) postText(window, kMessageExternalText, data);
+}
 
 void setOpenGLSleepTime(unsigned int ms) { manager().setOpenGLSleepTime(ms); }
 
