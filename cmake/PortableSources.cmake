@@ -7,6 +7,7 @@ foreach(candidate
     render/frame_compositor.cpp
     render/cursor_file.cpp
     render/pixel_scale.cpp
+    layers/deck/extra_window_rules.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp)
   if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
