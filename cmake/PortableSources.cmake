@@ -8,6 +8,7 @@ foreach(candidate
     render/cursor_file.cpp
     render/pixel_scale.cpp
     layers/deck/extra_window_rules.cpp
+    layers/deck/on_screen_keyboard_rules.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp)
   if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
