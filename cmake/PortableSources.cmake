@@ -7,6 +7,8 @@ set(ZEMO_PORTABLE_SOURCES
     render/frame_compositor.cpp
     render/cursor_file.cpp
     render/pixel_scale.cpp
+    layers/deck/extra_window_rules.cpp
+    layers/deck/on_screen_keyboard_rules.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp
     controller/controller_pages.cpp

@@ -66,7 +66,7 @@ void sendUIRemoteInputEvent(const std::string& type, const std::string& action, 
     const HWND window = manager().getMainWindow();
     if (!window) return;  // a post without a window would go to this thread's own queue
     if (message) PostMessageW(window, message->message, message->wParam, message->lParam);
-    if (isRemoteText(type)) postText(window, kMessageExternalText, data);
+    if (isRemoteText(type)) Core::postText(window, kMessageExternalText, data);
 }
 
 void setOpenGLSleepTime(unsigned int ms) { manager().setOpenGLSleepTime(ms); }

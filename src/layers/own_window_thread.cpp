@@ -23,6 +23,7 @@
 #include "core/posted_text.h"
 #include "core/sent_messages.h"
 #include "core/unique_handle.h"
+#include "layers/deck/extra_window.h"
 #include "layers/window_messages.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
@@ -133,7 +134,7 @@ void ZEMOWindow::buildOwnWindow() {
     ownWindow->windowCreated(window);
     if (steamDeck && window) {
         makeClassBackgroundBlack(window);
-        createViewChild(widthPx, heightPx);
+        createViewChild();
     }
     centreOnPrimaryScreen(window);
     ShowWindow(window, SW_SHOWNORMAL);
@@ -142,8 +143,12 @@ void ZEMOWindow::buildOwnWindow() {
     customCursor = customCursorLoader.load();
 }
 
-void ZEMOWindow::createViewChild(int, int) {
-    // The Steam Deck variant's view window and close button: made here and handed to setViewChild.
+void ZEMOWindow::createViewChild() {
+    RECT client{};
+    GetClientRect(window, &client);
+    auto child = std::make_shared<ZEMOExtraWindowForSteamdeck>(window, client.right, client.bottom);
+    // The engine goes on with the window itself where the view could not be made.
+    if (const HWND view = child->getViewWindow()) setViewChild(std::move(child), view);
 }
 
 LRESULT CALLBACK ZEMOWindow::ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -83,7 +83,7 @@ private:
     struct OwnThreadStart;
     void createOwnWindow();
     void buildOwnWindow();
-    void createViewChild(int widthPx, int heightPx);
+    void createViewChild();
     static unsigned __stdcall ownWindowThread(void* argument);
     static LRESULT CALLBACK ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
