@@ -22,6 +22,7 @@
 #include "core/module_pin.h"
 #include "core/sent_messages.h"
 #include "core/unique_handle.h"
+#include "layers/window_thread_calls.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"
@@ -145,6 +146,7 @@ void ZEMOWindow::createViewChild(int, int) {
 }
 
 LRESULT CALLBACK ZEMOWindow::ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (runWindowThreadCalls(hwnd, message)) return 0;
     OwnWindowLink* const link = threadLink;
     if (link && GetWindowLongPtrW(hwnd, GWLP_USERDATA)) {
         if (const std::shared_ptr<ZEMOWindow> layer = link->lockLayer()) {
