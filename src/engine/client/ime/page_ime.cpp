@@ -183,8 +183,8 @@ void PageIme::cancelImeComposition(const Browser& browser) {
     imeCancelling = false;
 }
 
-void PageIme::sendImeCommand(const Browser& browser, uint32_t kind, const std::u16string* text,
-                             const uint32_t* repeatCount) {
+void PageIme::setImeProcess(const Browser& browser, uint32_t kind, const std::u16string* text,
+                            const uint32_t* repeatCount) {
     if (!browser) return;
     const CefRefPtr<CefBrowserHost> host = browser->GetHost();
     if (kind == kCancel) host->ImeCancelComposition();
@@ -206,8 +206,13 @@ void PageIme::onPasswordFieldFocus(const Browser& browser, bool focused) {
         setPasswordFieldFocused(focused);
         imeReopenCount = 0;
     }
+    passwordFocused = focused;
     post(kMessageImeFocus, focused ? 0 : 1);
     notifyService(kPasswordFocus, browser, focused ? 1 : 0, 0);
+}
+
+void PageIme::onPageGone(const Browser& browser) {
+    if (passwordFocused) onPasswordFieldFocus(browser, false);
 }
 
 void PageIme::onImeCompositionRangeChanged(const Browser& browser, const CefRange& range,

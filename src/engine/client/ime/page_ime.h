@@ -45,13 +45,15 @@ public:
     void cancelImeComposition(const Browser& browser);
 
     // The game's own text service. Any thread.
-    void sendImeCommand(const Browser& browser, uint32_t kind, const std::u16string* text, const uint32_t* repeatCount);
+    void setImeProcess(const Browser& browser, uint32_t kind, const std::u16string* text, const uint32_t* repeatCount);
     void commitImeText(const Browser& browser, const std::string& utf8Text);
 
     // Engine thread.
     void onPasswordFieldFocus(const Browser& browser, bool focused);
     void onImeCompositionRangeChanged(const Browser& browser, const CefRange& range,
                                       const CefRenderHandler::RectList& characterBounds);
+    /// The page's process died, without a word about its focus.
+    void onPageGone(const Browser& browser);
     void onTextSelectionChanged(const Browser& browser, const CefRange& range);
 
     /// The end of the view: the window's input method is as it was before a password field had the focus. Any thread;
@@ -77,6 +79,8 @@ private:
     std::atomic<int> imeReopenCount{0};      ///< forced closes for one password field
     std::mutex closeMutex;                   ///< no password focus is noted after the end
     bool closed = false;
+
+    bool passwordFocused = false;  ///< engine thread: the page's last report
 
     // Window's thread; what it wrote is read once more by close, after the last message.
     std::unique_ptr<OsrImeHandlerWin> imeHandler;
