@@ -2,7 +2,8 @@
 //
 // 1. subclassMainWindow keeps the window's procedure before it puts layerWindowProc in its place, so that no message
 //    finds the one without the other.
-// 2. Each message then comes to layerWindowProc on the game's window thread. WM_DESTROY is first told to the graphics
+// 2. Each message then comes to layerWindowProc on the game's window thread. Calls of other threads that wait for that
+//    one run first, and are no business of a layer or the game. WM_DESTROY is first told to the graphics
 //    hook. The top layer, the last entry of the list, gets the message with messageMutex held; consumed, it ends here,
 //    else it goes on to the kept procedure with no lock held. The private IME messages go to the layer with no lock at
 //    all and never on to the game.
@@ -18,6 +19,7 @@
 #include "core/posted_text.h"
 #include "layers/main_window.h"
 #include "layers/window_messages.h"
+#include "layers/window_thread_calls.h"
 #include "layers/xinput_switch.h"
 #include "render/graphics_hook.h"
 
@@ -67,6 +69,7 @@ void ZEMOMultiLayerManager::replaceLostMainWindow() {
 }
 
 LRESULT CALLBACK ZEMOMultiLayerManager::layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (runWindowThreadCalls(hwnd, message)) return 0;
     if (message == WM_DESTROY) ZEMOGraphicsHooker::onGameWindowDestroyed(message, wParam, lParam);
     ZEMOMultiLayerManager& manager = instance();
     LRESULT result = 0;

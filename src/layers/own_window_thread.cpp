@@ -25,6 +25,7 @@
 #include "core/unique_handle.h"
 #include "layers/deck/extra_window.h"
 #include "layers/window_messages.h"
+#include "layers/window_thread_calls.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"
@@ -152,6 +153,7 @@ void ZEMOWindow::createViewChild() {
 }
 
 LRESULT CALLBACK ZEMOWindow::ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (runWindowThreadCalls(hwnd, message)) return 0;
     OwnWindowLink* const link = threadLink;
     if (link && GetWindowLongPtrW(hwnd, GWLP_USERDATA)) {
         if (const std::shared_ptr<ZEMOWindow> layer = link->lockLayer()) {

@@ -108,6 +108,7 @@ void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, Termin
                                            int /*error_code*/, const CefString& /*error_string*/) {
     assert(isOnEngineThread());
     browser->Reload();
+    getIme().onPageGone(browser);
     navigationFailed(kRenderProcessGone);
 }
 

@@ -2,7 +2,6 @@
 
 #include "core/log.h"
 #include "core/process_end.h"
-#include "core/process_state.h"
 #include "engine/client/close_browser_task.h"
 #include "engine/client/frames/frame_consumer.h"
 #include "engine/client/request/context_menu_handler.h"
@@ -30,7 +29,8 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, uin
       javascriptProcessor(std::make_shared<JavascriptProcessor>()),
       window(viewWindow),
       dpiScale(getWindowScale(viewWindow)),
-      input(viewWindow, dpiScale, [this](const CefRefPtr<CefBrowser>&) { cancelImeComposition(); }),
+      ime(viewWindow, dpiScale),
+      input(viewWindow, dpiScale, [this](const CefRefPtr<CefBrowser>& shown) { ime.cancelImeComposition(shown); }),
       frames(viewWindow, dpiScale, closeButton, sleepTime, consumerForStyle(style, makeConsumer(dpiScale)),
              [this] { return getBrowser(); }) {
     frames.start();
@@ -66,7 +66,7 @@ void CefHandler::close() {
         return;
     }
     frames.stop();
-    setPasswordFieldFocused(false);
+    ime.close();
     letGoOfBrowser();
     frames.finish(ZEMOMultiLayerManager::instance().getLayerCount() == 0);
     Core::logDebugA("html view is closed\n");

@@ -174,7 +174,9 @@ bool WebLayer::handleSpecialUrl(const std::string& url) {
 void WebLayer::setVisible(bool show, bool keepHookFrame) { adapter->setVisible(show, keepHookFrame); }
 
 void WebLayer::sendImeCommand(uint32_t kind, const std::u16string* text, const uint32_t* repeatCount) {
-    if (adapter) adapter->setImeProcess(kind, text, repeatCount);
+    withBrowser([&](const CefRefPtr<CefBrowser>& browser) {
+        adapter->getIme().setImeProcess(browser, kind, text, repeatCount);
+    });
 }
 
 void WebLayer::blurActiveElement() { runInMainFrame("document.activeElement.blur();", false); }
