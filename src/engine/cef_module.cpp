@@ -12,6 +12,7 @@
 #include "engine/engine_files.h"
 #include "engine/engine_library.h"
 #include "engine/engine_thread.h"
+#include "engine/forbid_printing.h"
 #include "engine/runtime_selection.h"
 #include "engine/web_app.h"
 #include "include/cef_app.h"
@@ -75,6 +76,14 @@ public:
 private:
     ULONGLONG deadline;
     IMPLEMENT_REFCOUNTING(QuitWhenClosedTask);
+};
+
+class ForbidPrintingTask : public CefTask {
+public:
+    void Execute() override { forbidPrinting(); }
+
+private:
+    IMPLEMENT_REFCOUNTING(ForbidPrintingTask);
 };
 
 class LeaveTask : public CefTask {
@@ -218,6 +227,7 @@ void CefModule::runEngine() {
     CefRefPtr<WebApp> app = new WebApp;
     const bool initialized = CefInitialize(CefMainArgs(moduleInstance), settings, app, nullptr);
     Core::logDebugA("cef is initialized.\n");
+    CefPostTask(TID_UI, new ForbidPrintingTask);  // ahead of the first browser, which is made by a task too
     signalReady();
     if (!initialized) {
         Core::logDebugA("cef refused to start; no view will show a page\n");

@@ -1,8 +1,8 @@
 #include "layers/xinput_switch.h"
 
-namespace ZEMO::UI {
+#include "core/system_function.h"
 
-XInputEnableFunction xinputEnableOverride = nullptr;
+namespace ZEMO::UI {
 
 namespace {
 
@@ -17,7 +17,7 @@ XInputEnableFunction systemXInputEnable() {
         for (const wchar_t* name : kLibraries) {
             const HMODULE module = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
             if (!module) continue;
-            if (const auto function = reinterpret_cast<XInputEnableFunction>(GetProcAddress(module, "XInputEnable")))
+            if (const auto function = Core::systemFunction<XInputEnableFunction>(module, "XInputEnable"))
                 return function;
             FreeLibrary(module);
         }
@@ -28,16 +28,10 @@ XInputEnableFunction systemXInputEnable() {
 
 void setXInputEnabled(bool enabled) {
     const BOOL state = enabled ? TRUE : FALSE;
-    if (xinputEnableOverride) {
-        xinputEnableOverride(state);
-        return;
-    }
     // Each version keeps a state of its own, and the one that counts is the one that the game reads.
     bool switched = false;
     for (const wchar_t* name : kLibraries) {
-        const HMODULE module = GetModuleHandleW(name);
-        const auto function =
-            module ? reinterpret_cast<XInputEnableFunction>(GetProcAddress(module, "XInputEnable")) : nullptr;
+        const auto function = Core::systemFunction<XInputEnableFunction>(GetModuleHandleW(name), "XInputEnable");
         if (!function) continue;
         function(state);
         switched = true;

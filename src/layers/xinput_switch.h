@@ -12,8 +12,4 @@ XInputEnableFunction systemXInputEnable();
 /// While XInput is off, the process reads a neutral controller. Any thread.
 void setXInputEnabled(bool enabled);
 
-/// What setXInputEnabled calls instead of the system's function; null for the system's. There is no way to read the
-/// switch back without a controller, so this is where a test looks.
-extern XInputEnableFunction xinputEnableOverride;
-
 }  // namespace ZEMO::UI

@@ -173,23 +173,31 @@ LRESULT CALLBACK GameHost::windowProc(HWND hwnd, UINT message, WPARAM wParam, LP
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
+void GameHost::makeWindow(int clientWidth, int clientHeight) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = &GameHost::windowProc;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_CROSS);
+    windowClass.lpszClassName = kGameClass;
+    RegisterClassW(&windowClass);
+    RECT rect{0, 0, clientWidth, clientHeight};
+    AdjustWindowRect(&rect, WS_OVERLAPPEDWINDOW, FALSE);
+    window = CreateWindowExW(0, kGameClass, L"game", WS_OVERLAPPEDWINDOW, 40, 40, rect.right - rect.left,
+                             rect.bottom - rect.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    ShowWindow(window, SW_SHOWNORMAL);
+    pass(50ms);
+    resizeClient(clientWidth, clientHeight);
+}
+
+void GameHost::remakeWindow(int clientWidth, int clientHeight) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    DestroyWindow(window);
+    makeWindow(clientWidth, clientHeight);
+}
+
 GameHost::GameHost(Options options) {
-    if (options.mainWindow) {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = &GameHost::windowProc;
-        windowClass.hInstance = GetModuleHandleW(nullptr);
-        windowClass.hCursor = LoadCursorW(nullptr, IDC_CROSS);
-        windowClass.lpszClassName = kGameClass;
-        RegisterClassW(&windowClass);
-        RECT rect{0, 0, options.clientWidth, options.clientHeight};
-        AdjustWindowRect(&rect, WS_OVERLAPPEDWINDOW, FALSE);
-        window = CreateWindowExW(0, kGameClass, L"game", WS_OVERLAPPEDWINDOW, 40, 40, rect.right - rect.left,
-                                 rect.bottom - rect.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        ShowWindow(window, SW_SHOWNORMAL);
-        pass(50ms);
-        resizeClient(options.clientWidth, options.clientHeight);
-    }
+    if (options.mainWindow) makeWindow(options.clientWidth, options.clientHeight);
     if (options.disableGpuCompositing) ZEMO::UI::setUIEngineOsrRenderEnabled(1);
     if (options.startLibrary) ZEMO::UI::InitUILibrary();
     if (options.presentCallback) ZEMO::UI::setUIOsrFramePresentCallback(frames.callback());

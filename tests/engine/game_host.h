@@ -123,6 +123,8 @@ public:
     /// Lets `span` pass with messages dispatched: only to show that something does not happen.
     void pass(std::chrono::milliseconds span);
     void resizeClient(int width, int height);
+    /// As games do for another display mode: destroys the main window and makes a new one.
+    void remakeWindow(int clientWidth, int clientHeight);
 
     HWND window = nullptr;
     FrameRecorder frames;
@@ -133,6 +135,7 @@ public:
     std::vector<GameMessage> fetchedMessages;
 
 private:
+    void makeWindow(int clientWidth, int clientHeight);
     void dispatchWaiting();
     static LRESULT CALLBACK windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>> delegates;

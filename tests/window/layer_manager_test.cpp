@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
 #include <system_error>
 
 #include "layers/window_messages.h"
-#include "layers/xinput_switch.h"
+#include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
 namespace ZEMO::UI::test {
@@ -62,9 +63,15 @@ private:
 };
 
 // Without a controller nobody can read back whether XInput is on, so the calls of XInputEnable are recorded instead of
-// the system's being made. Its being found has a test of its own.
+// the system's being made: the library looks the function up by its name.
 std::vector<BOOL> xinputCalls;
 void WINAPI recordXInput(BOOL enable) { xinputCalls.push_back(enable); }
+decltype(&::GetProcAddress) systemGetProcAddress = nullptr;
+FARPROC WINAPI findXInputHere(HMODULE module, LPCSTR name) {
+    const bool isXInput = reinterpret_cast<ULONG_PTR>(name) > 0xFFFF && std::strcmp(name, "XInputEnable") == 0;
+    if (!isXInput) return systemGetProcAddress(module, name);
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&recordXInput));
+}
 
 constexpr UINT kProbe = WM_USER + 300;
 
@@ -72,20 +79,19 @@ class LayerManager : public testing::Test {
 protected:
     LayerManager() {
         xinputCalls.clear();
-        xinputEnableOverride = recordXInput;
+        systemGetProcAddress = lookUp.original<decltype(&::GetProcAddress)>();
         SetPriorityClass(GetCurrentProcess(), BELOW_NORMAL_PRIORITY_CLASS);
         EXPECT_EQ(GetPriorityClass(GetCurrentProcess()), static_cast<DWORD>(BELOW_NORMAL_PRIORITY_CLASS));
     }
-    ~LayerManager() override {
-        xinputEnableOverride = nullptr;
-        SetPriorityClass(GetCurrentProcess(), NORMAL_PRIORITY_CLASS);
-    }
+    ~LayerManager() override { SetPriorityClass(GetCurrentProcess(), NORMAL_PRIORITY_CLASS); }
 
     std::shared_ptr<PlainLayer> layer(const char* name) { return std::make_shared<PlainLayer>(name, journal); }
 
     static DWORD priority() { return GetPriorityClass(GetCurrentProcess()); }
     static bool isRaised() { return priority() == REALTIME_PRIORITY_CLASS || priority() == HIGH_PRIORITY_CLASS; }
 
+    const HMODULE xinput = LoadLibraryW(L"xinput1_4.dll");  ///< there, as after the library's start
+    ImportReplaced lookUp{"GetProcAddress", &findXInputHere};
     std::shared_ptr<Journal> journal = std::make_shared<Journal>();
     ZEMOMultiLayerManager manager;  ///< one of the test's own, always empty at first
     LRESULT result = -1;

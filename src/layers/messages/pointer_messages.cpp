@@ -6,8 +6,6 @@
 
 namespace ZEMO::UI {
 
-PointerInfoFunction pointerInfoSource = ::GetPointerInfo;
-
 namespace {
 
 /// A change of the second button, which a left press or release is not.
@@ -34,7 +32,7 @@ bool ZEMOWindow::LayerStyle::pointer(ZEMOWindow& layer, LRESULT*, const WindowMe
     const bool consumed = !isDown || layer.frameConsumerActive;
     const uint32_t id = LOWORD(m.wParam);
     POINTER_INFO info{};
-    if (!pointerInfoSource(id, &info)) return consumed;
+    if (!GetPointerInfo(id, &info)) return consumed;
     const POINT at = m.toClient(info.ptPixelLocation);
     const bool isMouse = info.pointerType == PT_MOUSE;
 
@@ -60,7 +58,7 @@ ZEMOWindow::OwnResult ZEMOWindow::OwnStyle::pointer(ZEMOWindow& layer, const Win
     const bool isDown = m.message == WM_POINTERDOWN;
     const uint32_t id = LOWORD(m.wParam);
     POINTER_INFO info{};
-    if (!pointerInfoSource(id, &info)) return 0;
+    if (!GetPointerInfo(id, &info)) return 0;
     const POINT at = m.toClient(info.ptPixelLocation);
     const bool isMouse = info.pointerType == PT_MOUSE;
 
