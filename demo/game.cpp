@@ -49,7 +49,7 @@ PagePanel& Game::openPage(const PageSource& source) {
     const PixelSize client = window.clientSize();
     PagePanel::Settings settings;
     settings.number = nextPageNumber++;
-    settings.isOwnWindow = options.mode == Mode::window;
+    settings.isOwnWindow = options.mode == Mode::Window;
     settings.hasCloseButton = options.hasCloseButton;
     settings.width = 0.75f * static_cast<float>(client.width) / window.scale();
     settings.height = 0.75f * static_cast<float>(client.height) / window.scale();
@@ -133,15 +133,15 @@ void Game::handlePageEvents() {
     for (const PageEvent& event : events->takeAll()) {
         const bool isTop = topPage() && topPage()->number() == event.page;
         for (auto& page : pages) {
-            if (page->number() == event.page && event.kind == PageEvent::Kind::completed) page->noteLoaded();
+            if (page->number() == event.page && event.kind == PageEvent::Kind::Completed) page->noteLoaded();
         }
-        if (event.kind == PageEvent::Kind::completed) tellPage();
-        if (event.kind == PageEvent::Kind::failed) std::printf("page %d: load error %d\n", event.page, event.error);
-        if (event.kind == PageEvent::Kind::command && isTop) handleCommand(event.text);
+        if (event.kind == PageEvent::Kind::Completed) tellPage();
+        if (event.kind == PageEvent::Kind::Failed) std::printf("page %d: load error %d\n", event.page, event.error);
+        if (event.kind == PageEvent::Kind::Command && isTop) handleCommand(event.text);
         // The user closed the view's own window: what is left is an empty view.
-        const bool isWindowGone = event.kind == PageEvent::Kind::closed && options.mode == Mode::window;
+        const bool isWindowGone = event.kind == PageEvent::Kind::Closed && options.mode == Mode::Window;
         if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
-        if (event.kind == PageEvent::Kind::closeRequested && isTop) closeTopPage();
+        if (event.kind == PageEvent::Kind::CloseRequested && isTop) closeTopPage();
         if (onPageEvent) onPageEvent(event);
     }
 }
@@ -150,7 +150,7 @@ void Game::handleCommand(const std::string& command) {
     if (command == "close") {
         closeTopPage();
     } else if (command == "dialog") {
-        openPage({PageSource::Kind::builtIn, "dialog"});
+        openPage({PageSource::Kind::BuiltIn, "dialog"});
     } else if (command == "claim") {
         credits += 250;
         scene.celebrate(secondsSince(startedAt));
@@ -160,7 +160,7 @@ void Game::handleCommand(const std::string& command) {
 
 void Game::tellPage() {
     PagePanel* page = topPage();
-    if (!page || !page->isLoaded() || options.page.kind != PageSource::Kind::builtIn) return;
+    if (!page || !page->isLoaded() || options.page.kind != PageSource::Kind::BuiltIn) return;
     page->run("window.onGame && onGame({credits: " + std::to_string(credits) + "});");
 }
 
@@ -179,7 +179,7 @@ void Game::updateHud() {
     hudText.title = L"OUTPOST";
     hudText.status = format(L"Credits %d", credits);
     hudText.figures = format(L"game %.0f fps", gameRate);
-    if (options.mode == Mode::callback && update.isVisible && isShown) {
+    if (options.mode == Mode::Callback && update.isVisible && isShown) {
         hudText.figures += format(L"    page %d x %d, %.0f fps", image.width, image.height, pageRate);
     }
     hudText.keys = isShown ? L"F10  hide the page" : L"F10  show the page    F12  save pictures    Esc  leave";

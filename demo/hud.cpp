@@ -42,10 +42,10 @@ TextLabel::~TextLabel() {
     if (texture) glDeleteTextures(1, &texture);
 }
 
-void TextLabel::set(const std::wstring& newText, int newHeight, bool isBold) {
-    if (newText == text && newHeight == fontHeight) return;
+void TextLabel::set(const std::wstring& newText, int newHeightPx, bool isBold) {
+    if (newText == text && newHeightPx == fontHeight) return;
     text = newText;
-    fontHeight = newHeight;
+    fontHeight = newHeightPx;
     widthPx = heightPx = 0;
     if (text.empty()) return;
 

@@ -12,7 +12,7 @@ public:
     TextLabel(const TextLabel&) = delete;
     TextLabel& operator=(const TextLabel&) = delete;
 
-    void set(const std::wstring& text, int heightPx, bool isBold);
+    void set(const std::wstring& newText, int newHeightPx, bool isBold);
     /// `x`, `y`: the upper left corner; colour with straight alpha.
     void draw(float x, float y, float red, float green, float blue, float alpha) const;
     float width() const { return static_cast<float>(widthPx); }

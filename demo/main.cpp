@@ -19,7 +19,7 @@ namespace {
 int play(demo::Game& game, const demo::Options& options) {
     if (options.isSelfTest) return demo::runSelfTest(game, options) ? 0 : 1;
     game.openPage(options.page);
-    if (options.views > 1) game.openPage({demo::PageSource::Kind::builtIn, "dialog"});
+    if (options.views > 1) game.openPage({demo::PageSource::Kind::BuiltIn, "dialog"});
     game.play(options.seconds);
     game.savePictures();
     game.reportFigures();
@@ -33,14 +33,14 @@ int run(const demo::Options& options) {
     const int exitCode = play(*game, options);
     std::fflush(stdout);
     switch (options.quitWay) {
-        case demo::QuitWay::close:
+        case demo::QuitWay::Close:
             break;
-        case demo::QuitWay::leave:
+        case demo::QuitWay::Leave:
             static_cast<void>(game.release());
             break;
-        case demo::QuitWay::exitProcess:
+        case demo::QuitWay::ExitProcess:
             ExitProcess(static_cast<UINT>(exitCode));
-        case demo::QuitWay::freeLibrary:
+        case demo::QuitWay::FreeLibrary:
             static_cast<void>(game.release());
             FreeLibrary(GetModuleHandleW(L"ZEMOUIFramework.dll"));
             break;

@@ -63,17 +63,17 @@ const std::vector<Option>& allOptions() {
     using S = const std::string&;
     static const std::vector<Option> options{
         {"--url", "ADDRESS", "show a web page (http://... or https://...)",
-         [](O& o, S v) { o.page = {PageSource::Kind::address, v}; }},
+         [](O& o, S v) { o.page = {PageSource::Kind::Address, v}; }},
         {"--page", "NAME", "show a local page of resources\\html, by its name without .html",
-         [](O& o, S v) { o.page = {PageSource::Kind::localPage, v}; }},
-        {"--html", "TEXT", "show a page given as text", [](O& o, S v) { o.page = {PageSource::Kind::html, v}; }},
+         [](O& o, S v) { o.page = {PageSource::Kind::LocalPage, v}; }},
+        {"--html", "TEXT", "show a page given as text", [](O& o, S v) { o.page = {PageSource::Kind::Html, v}; }},
         {"--html-file", "FILE", "show a page read from a file",
-         [](O& o, S v) { o.page = {PageSource::Kind::html, readFile(v)}; }},
+         [](O& o, S v) { o.page = {PageSource::Kind::Html, readFile(v)}; }},
         {"--size", "WxH", "client size of the game's window in pixels, 1280x720",
          [](O& o, S v) { o.size = toSize(v); }},
         {"--mode", "MODE", "callback: the game draws the page; window: a window of its own; hook: the graphics hook",
          [](O& o, S v) {
-             o.mode = toChoice<Mode>(v, {{"callback", Mode::callback}, {"window", Mode::window}, {"hook", Mode::hook}});
+             o.mode = toChoice<Mode>(v, {{"callback", Mode::Callback}, {"window", Mode::Window}, {"hook", Mode::Hook}});
          }},
         {"--views", "N", "1, or 2 for a dialog on top of the page", [](O& o, S v) { o.views = toNumber(v, 1, 2); }},
         {"--seconds", "S", "end after S seconds; without it, when the window is closed",
@@ -93,10 +93,10 @@ const std::vector<Option>& allOptions() {
          [](O& o, S) { o.isSelfTest = true; }},
         {"--quit-way", "WAY", "close (default), or with the page open: return, exitprocess, freelibrary",
          [](O& o, S v) {
-             o.quitWay = toChoice<QuitWay>(v, {{"close", QuitWay::close},
-                                               {"return", QuitWay::leave},
-                                               {"exitprocess", QuitWay::exitProcess},
-                                               {"freelibrary", QuitWay::freeLibrary}});
+             o.quitWay = toChoice<QuitWay>(v, {{"close", QuitWay::Close},
+                                               {"return", QuitWay::Leave},
+                                               {"exitprocess", QuitWay::ExitProcess},
+                                               {"freelibrary", QuitWay::FreeLibrary}});
          }},
         {"--help", nullptr, "this text", [](O& o, S) { o.isHelp = true; }},
     };

@@ -11,23 +11,23 @@ namespace demo {
 
 /// Where the page goes.
 enum class Mode {
-    callback,  ///< the game draws it, from the present callback
-    window,    ///< the library draws it, in a window of its own
-    hook,      ///< the graphics hook module draws it into the game's frame
+    Callback,  ///< the game draws it, from the present callback
+    Window,    ///< the library draws it, in a window of its own
+    Hook,      ///< the graphics hook module draws it into the game's frame
 };
 
 /// How the process ends.
 enum class QuitWay {
-    close,        ///< drop the views, return from main: what a game does
-    leave,        ///< return from main with the views open
-    exitProcess,  ///< ExitProcess with the views open
-    freeLibrary,  ///< FreeLibrary with the views open, then return from main
+    Close,        ///< drop the views, return from main: what a game does
+    Leave,        ///< return from main with the views open
+    ExitProcess,  ///< ExitProcess with the views open
+    FreeLibrary,  ///< FreeLibrary with the views open, then return from main
 };
 
 struct Options {
     PageSource page;
     PixelSize size{1280, 720};
-    Mode mode = Mode::callback;
+    Mode mode = Mode::Callback;
     int views = 1;
     double seconds = 0;  ///< 0: until the window is closed
     bool hasCloseButton = false;
@@ -35,7 +35,7 @@ struct Options {
     bool hasFigures = false;
     bool isSelfTest = false;
     bool isHelp = false;
-    QuitWay quitWay = QuitWay::close;
+    QuitWay quitWay = QuitWay::Close;
     std::filesystem::path out = "out";
     std::filesystem::path screenshot;  ///< empty: page.png in `out`
     std::filesystem::path json;        ///< empty: figures.json in `out`

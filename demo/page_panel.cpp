@@ -40,13 +40,13 @@ class PagePanel::Listener : public ZEMO::UI::ZEMOWebViewDelegate, public ZEMO::U
 public:
     Listener(int page, std::shared_ptr<PageEventQueue> events) : page(page), events(std::move(events)) {}
 
-    void viewDidShow(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::shown); }
-    void viewDidClose(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::closed); }
+    void viewDidShow(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::Shown); }
+    void viewDidClose(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::Closed); }
 
-    void navigationStarting(std::shared_ptr<ZEMO::UI::IZEMOWebView>) override { note(PageEvent::Kind::started); }
-    void navigationCompleted(std::shared_ptr<ZEMO::UI::IZEMOWebView>) override { note(PageEvent::Kind::completed); }
+    void navigationStarting(std::shared_ptr<ZEMO::UI::IZEMOWebView>) override { note(PageEvent::Kind::Started); }
+    void navigationCompleted(std::shared_ptr<ZEMO::UI::IZEMOWebView>) override { note(PageEvent::Kind::Completed); }
     void navigationFailed(std::shared_ptr<ZEMO::UI::IZEMOWebView>, const std::error_code& error) override {
-        events->push({PageEvent::Kind::failed, page, error.value(), {}});
+        events->push({PageEvent::Kind::Failed, page, error.value(), {}});
     }
 
     /// A link to game://something is the page's way to ask the game for something. True: the page stays where it is.
@@ -54,12 +54,12 @@ public:
         if (!url.starts_with(kGameScheme)) return false;
         std::string command = url.substr(kGameScheme.size());
         while (command.ends_with('/')) command.pop_back();
-        events->push({PageEvent::Kind::command, page, 0, std::move(command)});
+        events->push({PageEvent::Kind::Command, page, 0, std::move(command)});
         return true;
     }
 
     /// The view may not be dropped from in here: this runs inside it. The game does that, in its next frame.
-    void closeRequested() override { note(PageEvent::Kind::closeRequested); }
+    void closeRequested() override { note(PageEvent::Kind::CloseRequested); }
 
 private:
     void note(PageEvent::Kind kind) { events->push({kind, page, 0, {}}); }
@@ -83,17 +83,17 @@ PagePanel::~PagePanel() = default;
 
 void PagePanel::load(const PageSource& source) {
     switch (source.kind) {
-        case PageSource::Kind::builtIn: {
+        case PageSource::Kind::BuiltIn: {
             // Given as text; the path only says where "../" in the page would lead.
             const std::string html = builtInPage(source.text);
             view->loadHtml(html, "html/");
             break;
         }
-        case PageSource::Kind::html:
+        case PageSource::Kind::Html:
             // The byte order mark says that the text is UTF-8, also for a text that doesn't say so itself.
             view->loadHtml("\xEF\xBB\xBF" + source.text, "html/");
             break;
-        case PageSource::Kind::address:
+        case PageSource::Kind::Address:
             // Before the first show, with an item in the list, loadUrl takes the text as it is; an empty list would
             // make it the name of a local page. An open view takes web addresses by loadContent alone.
             if (!shown) {
@@ -102,7 +102,7 @@ void PagePanel::load(const PageSource& source) {
                 view->loadContent(std::make_shared<WebAddress>(source.text));
             }
             break;
-        case PageSource::Kind::localPage:
+        case PageSource::Kind::LocalPage:
             view->loadPage(source.text);
             break;
     }

@@ -14,11 +14,11 @@ namespace demo {
 
 /// Something that happened to a page, on its way to the game thread.
 struct PageEvent {
-    enum class Kind { shown, closed, started, completed, failed, closeRequested, command };
-    Kind kind = Kind::shown;
+    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command };
+    Kind kind = Kind::Shown;
     int page = 0;      ///< the panel's number
-    int error = 0;     ///< for failed
-    std::string text;  ///< for command: what stands behind "game://"
+    int error = 0;     ///< for Failed
+    std::string text;  ///< for Command: what stands behind "game://"
 };
 
 /// Delegates are called on the engine's thread and may not keep it waiting, so they only leave a note here; the game

@@ -7,12 +7,12 @@ namespace demo {
 /// What a view is to show. All text is UTF-8.
 struct PageSource {
     enum class Kind {
-        builtIn,    ///< `text`: the name of a page inside this program ("outpost", "dialog", "self_test")
-        address,    ///< `text`: a web address
-        localPage,  ///< `text`: the name of a page in resources\html, without ".html"
-        html,       ///< `text`: the page itself
+        BuiltIn,    ///< `text`: the name of a page inside this program ("outpost", "dialog", "self_test")
+        Address,    ///< `text`: a web address
+        LocalPage,  ///< `text`: the name of a page in resources\html, without ".html"
+        Html,       ///< `text`: the page itself
     };
-    Kind kind = Kind::builtIn;
+    Kind kind = Kind::BuiltIn;
     std::string text = "outpost";
 };
 

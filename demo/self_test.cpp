@@ -51,7 +51,7 @@ bool isClose(const Colour& a, const Colour& b, int tolerance) {
 }
 
 PageSource plainPage(const Colour& c) {
-    return {PageSource::Kind::html,
+    return {PageSource::Kind::Html,
             text("<!doctype html><body style='margin:0;background:rgb(%d,%d,%d)'>", c.red, c.green, c.blue)};
 }
 
@@ -66,7 +66,7 @@ public:
     ~SelfTest() { game.onPageEvent = nullptr, game.onSceneDrawn = nullptr, game.onFrameDrawn = nullptr; }
 
     void run() {
-        if (options.mode == Mode::callback) {
+        if (options.mode == Mode::Callback) {
             step("page is shown", [this] { pageIsShown(); });
             step("callback frame holds the page's colours", [this] { callbackFrame(); });
             step("game's frame shows the page over the scene", [this] { gameFrame(); });
@@ -138,12 +138,12 @@ private:
     }
 
     void pageIsShown() {
-        const int completed = count(PageEvent::Kind::completed), shown = count(PageEvent::Kind::shown);
-        game.openPage({PageSource::Kind::builtIn, "self_test"});
-        await([&] { return count(PageEvent::Kind::shown) > shown; }, [] { return "viewDidShow did not come"; });
-        await([&] { return count(PageEvent::Kind::completed) > completed; },
+        const int completed = count(PageEvent::Kind::Completed), shown = count(PageEvent::Kind::Shown);
+        game.openPage({PageSource::Kind::BuiltIn, "self_test"});
+        await([&] { return count(PageEvent::Kind::Shown) > shown; }, [] { return "viewDidShow did not come"; });
+        await([&] { return count(PageEvent::Kind::Completed) > completed; },
               [] { return "navigationCompleted did not come"; });
-        if (count(PageEvent::Kind::started) == 0) throw Failure("navigationStarting did not come");
+        if (count(PageEvent::Kind::Started) == 0) throw Failure("navigationStarting did not come");
     }
 
     void callbackFrame() {
@@ -246,27 +246,27 @@ private:
     }
 
     void secondView() {
-        const int completed = count(PageEvent::Kind::completed);
+        const int completed = count(PageEvent::Kind::Completed);
         game.openPage(plainPage(kSecondPage));
-        await([&] { return count(PageEvent::Kind::completed) > completed; },
+        await([&] { return count(PageEvent::Kind::Completed) > completed; },
               [] { return "navigationCompleted of the second view did not come"; });
         awaitPage("the second page", kRed.x, kRed.y, kSecondPage);
         awaitPage("the second page", kClear.x, kClear.y, kSecondPage);
-        const int closed = count(PageEvent::Kind::closed);
+        const int closed = count(PageEvent::Kind::Closed);
         game.closeTopPage();
-        await([&] { return count(PageEvent::Kind::closed) > closed; }, [] { return "viewDidClose did not come"; });
+        await([&] { return count(PageEvent::Kind::Closed) > closed; }, [] { return "viewDidClose did not come"; });
         awaitPage(kRed);
         awaitPage("the first page's transparent part", kClear.x, kClear.y, kNothing);
     }
 
     void closeAndShow() {
-        const int shown = count(PageEvent::Kind::shown), closed = count(PageEvent::Kind::closed);
+        const int shown = count(PageEvent::Kind::Shown), closed = count(PageEvent::Kind::Closed);
         game.hidePages();
-        await([&] { return count(PageEvent::Kind::closed) > closed; }, [] { return "viewDidClose did not come"; });
+        await([&] { return count(PageEvent::Kind::Closed) > closed; }, [] { return "viewDidClose did not come"; });
         readNextFrame();
         expectDrawn("the scene after close", kRed, under.at(px(kRed.x), px(kRed.y)), 0);
         game.showPages();
-        await([&] { return count(PageEvent::Kind::shown) > shown; }, [] { return "viewDidShow did not come"; });
+        await([&] { return count(PageEvent::Kind::Shown) > shown; }, [] { return "viewDidShow did not come"; });
         awaitPage(kRed);
         readNextFrame();
         expectDrawn("the page after the second show", kRed, kRed.colour, 0);
@@ -276,9 +276,9 @@ private:
     }
 
     void reload() {
-        const int completed = count(PageEvent::Kind::completed);
+        const int completed = count(PageEvent::Kind::Completed);
         game.topPage()->load(plainPage(kReloaded));
-        await([&] { return count(PageEvent::Kind::completed) > completed; },
+        await([&] { return count(PageEvent::Kind::Completed) > completed; },
               [] { return "navigationCompleted of the second text did not come"; });
         awaitPage("the second text", kRed.x, kRed.y, kReloaded);
         awaitPage("the second text", kClear.x, kClear.y, kReloaded);
@@ -294,7 +294,7 @@ private:
     /// Where the page isn't the game's to draw, the display is the only witness.
     void pageOnDisplay() {
         HWND window = game.gameWindow().handle();
-        if (options.mode == Mode::window) {
+        if (options.mode == Mode::Window) {
             await([&] { return (window = otherWindow()) != nullptr; },
                   [] { return "there is no window for the view"; });
         }

@@ -16,7 +16,7 @@ void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& 
     // 3. Where frames go. A view reads this when it is first shown, so it comes before the first view. With the hook
     // the
     //    page is drawn into the game's frame behind the game's back; with the callback the game draws it.
-    if (options.mode == Mode::hook) {
+    if (options.mode == Mode::Hook) {
         ZEMO::UI::InitUIGraphicsHook();
         return;
     }

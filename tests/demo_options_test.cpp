@@ -18,23 +18,23 @@ std::string complaint(const std::vector<std::string>& arguments) {
 
 TEST(DemoOptions, NoArguments_BuiltInPageAtDefaultSize) {
     const Options options = parseOptions({});
-    EXPECT_EQ(options.page.kind, PageSource::Kind::builtIn);
+    EXPECT_EQ(options.page.kind, PageSource::Kind::BuiltIn);
     EXPECT_EQ(options.size, (PixelSize{1280, 720}));
-    EXPECT_EQ(options.mode, Mode::callback);
+    EXPECT_EQ(options.mode, Mode::Callback);
     EXPECT_FALSE(options.hasGpuCompositing);
-    EXPECT_EQ(options.quitWay, QuitWay::close);
+    EXPECT_EQ(options.quitWay, QuitWay::Close);
 }
 
 TEST(DemoOptions, ValuesInBothForms_AreTaken) {
     const Options options = parseOptions({"--url", "https://example.org/?a=1", "--size=800x600", "--mode", "window",
                                           "--views=2", "--seconds", "3", "--quit-way", "exitprocess", "--self-test"});
-    EXPECT_EQ(options.page.kind, PageSource::Kind::address);
+    EXPECT_EQ(options.page.kind, PageSource::Kind::Address);
     EXPECT_EQ(options.page.text, "https://example.org/?a=1");
     EXPECT_EQ(options.size, (PixelSize{800, 600}));
-    EXPECT_EQ(options.mode, Mode::window);
+    EXPECT_EQ(options.mode, Mode::Window);
     EXPECT_EQ(options.views, 2);
     EXPECT_EQ(options.seconds, 3);
-    EXPECT_EQ(options.quitWay, QuitWay::exitProcess);
+    EXPECT_EQ(options.quitWay, QuitWay::ExitProcess);
     EXPECT_TRUE(options.isSelfTest);
 }
 

@@ -43,9 +43,9 @@ public:
     virtual void addQueryParameter(const std::string& key, const std::string& value) = 0;
     /// Adds a segment at the end of the path. `segment` comes without slashes around it.
     virtual void addPathSegment(const std::string& segment) = 0;
-    virtual void setScheme(const std::string& scheme) = 0;
-    virtual void setHost(const std::string& host) = 0;
-    virtual void setPort(const std::string& port) = 0;
+    virtual void setScheme(const std::string& newScheme) = 0;
+    virtual void setHost(const std::string& newHost) = 0;
+    virtual void setPort(const std::string& newPort) = 0;
     /// The same as getUrl().
     virtual std::string toString() const = 0;
     /// The whole address with every field percent-encoded, except port and separators. Escapes that a field holds
@@ -84,9 +84,9 @@ public:
     std::map<std::string, std::string> getQueryParameters() const override;
     void addQueryParameter(const std::string& key, const std::string& value) override;
     void addPathSegment(const std::string& segment) override;
-    void setScheme(const std::string& scheme) override;
-    void setHost(const std::string& host) override;
-    void setPort(const std::string& port) override;
+    void setScheme(const std::string& newScheme) override;
+    void setHost(const std::string& newHost) override;
+    void setPort(const std::string& newPort) override;
     std::string toString() const override;
     std::string toEncodedString() const override;
     ~URL() override;

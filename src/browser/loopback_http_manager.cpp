@@ -57,6 +57,7 @@ LoopbackHttpManager::LoopbackHttpManager() : readyFuture(readyPromise.get_future
         workerThread = std::thread(&LoopbackHttpManager::run, this);
     } catch (const std::system_error&) {
         // As with any other failed step of the set-up: never ready, and the game goes on.
+        running = false;
     }
 }
 

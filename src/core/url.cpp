@@ -222,8 +222,8 @@ void URL::addQueryParameter(const std::string& key, const std::string& value) {
 }
 
 void URL::addPathSegment(const std::string& segment) { pathSegments.push_back(segment); }
-void URL::setScheme(const std::string& text) { scheme = text; }
-void URL::setHost(const std::string& text) { host = text; }
-void URL::setPort(const std::string& text) { port = text; }
+void URL::setScheme(const std::string& newScheme) { scheme = newScheme; }
+void URL::setHost(const std::string& newHost) { host = newHost; }
+void URL::setPort(const std::string& newPort) { port = newPort; }
 
 }  // namespace ZEMO::Core

@@ -2,7 +2,7 @@
 
     check_tidy.py BUILD_FOLDER CACHE_FOLDER [FILE...]
 
-A file is checked again when it, a header that it includes, its compile command, .clang-tidy or clang-tidy itself is other than
+A file is checked again when it, a header that it includes, its compile command, a .clang-tidy or clang-tidy itself is other than
 last time. The cache's keys hold no absolute path: another copy of the tree finds the same results."""
 import concurrent.futures
 import hashlib
@@ -61,8 +61,7 @@ def plain(command):
 
 with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
     entries = json.load(file)
-with open(os.path.join(sources.TOP, ".clang-tidy"), encoding="utf-8") as file:
-    config = file.read()
+config = "".join(sources.text(f) for f in sources.files() if f.split("/")[-1] == ".clang-tidy")  # a folder may have its own
 version = subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True, check=True).stdout
 headers = dependencies()
 own = (sources.TOP + os.sep,)

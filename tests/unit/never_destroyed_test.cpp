@@ -20,7 +20,7 @@ TEST(NeverDestroyed, ScopeEnds_ObjectIsLeftAsItIs) {
 }
 
 TEST(NeverDestroyed, WithoutArguments_IsThereAndCanBeAssigned) {
-    static NeverDestroyed<std::string> text;
+    NeverDestroyed<std::string> text;
     EXPECT_TRUE(text->empty());
     *text = "a text";
     EXPECT_EQ(*text, "a text");

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "core/platform_machine.h"
-#include "core/platform_text.h"
+#include "core/platform/machine.h"
+#include "core/platform/text.h"
 #include "support/import_replaced.h"
 #include "zemo/platform.h"
 

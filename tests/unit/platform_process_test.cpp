@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/platform_text.h"
+#include "core/platform/text.h"
 #include "support/helper_process.h"
 #include "support/import_replaced.h"
 #include "zemo/platform.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/platform_ipc.h"
+#include "core/platform/ipc.h"
 #include "support/debug_log.h"
 #include "support/helper_process.h"
 #include "zemo/platform.h"

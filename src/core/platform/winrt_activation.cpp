@@ -1,4 +1,4 @@
-#include "core/platform_winrt_activation.h"
+#include "core/platform/winrt_activation.h"
 
 #if !ZEMO_WINRT_PROJECTION
 
@@ -17,12 +17,14 @@
 #include "core/unique_handle.h"
 
 // The interface by which the runtime's classes say more about a failure; not every compiler has its header.
+// NOLINTBEGIN(readability-identifier-naming): the names of its operations
 MIDL_INTERFACE("82BA7092-4C88-427D-A7BC-16DD93FEB67E")
 IZemoRestrictedErrorInfo : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetErrorDetails(BSTR * description, HRESULT * error, BSTR * restrictedDescription,
                                                       BSTR * capabilitySid) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetReference(BSTR * reference) = 0;
 };
+// NOLINTEND(readability-identifier-naming)
 __CRT_UUID_DECL(IZemoRestrictedErrorInfo, 0x82BA7092, 0x4C88, 0x427D, 0xA7, 0xBC, 0x16, 0xDD, 0x93, 0xFE, 0xB6, 0x7E)
 
 namespace ZEMO::Core {

@@ -1,4 +1,4 @@
-#include "core/platform_text.h"
+#include "core/platform/text.h"
 
 #include <codecvt>
 #include <locale>

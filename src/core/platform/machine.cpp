@@ -1,10 +1,10 @@
-#include "core/platform_machine.h"
+#include "core/platform/machine.h"
 
 #include <windows.h>
 
 #include <charconv>
 
-#include "core/platform_text.h"
+#include "core/platform/text.h"
 #include "zemo/platform.h"
 
 namespace ZEMO::Core {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/platform_registry.h"
+#include "core/platform/registry.h"
 #include "core/system_function.h"
 #include "zemo/platform.h"
 

@@ -4,7 +4,7 @@
 
 #include <cwchar>
 
-#include "core/platform_text.h"
+#include "core/platform/text.h"
 #include "core/unique_handle.h"
 #include "zemo/platform.h"
 

@@ -1,7 +1,7 @@
 #include <mutex>
 #include <string>
 
-#include "core/platform_state.h"
+#include "core/platform/state.h"
 #include "zemo/platform.h"
 #include "zemo/winrt_error.h"
 
@@ -45,7 +45,7 @@ enum DayOfWeek : int;
 #include <activation.h>
 #include <windows.system.userprofile.h>
 
-#include "core/platform_winrt_activation.h"
+#include "core/platform/winrt_activation.h"
 
 namespace ZEMO::Platform::Misc {
 namespace {

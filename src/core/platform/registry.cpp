@@ -1,6 +1,6 @@
-#include "core/platform_registry.h"
+#include "core/platform/registry.h"
 
-#include "core/platform_text.h"
+#include "core/platform/text.h"
 #include "zemo/platform.h"
 
 namespace ZEMO::Core {

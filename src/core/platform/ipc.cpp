@@ -1,4 +1,4 @@
-#include "core/platform_ipc.h"
+#include "core/platform/ipc.h"
 
 #include <cstring>
 #include <stdexcept>

@@ -11,8 +11,8 @@
 
 #include "core/com_pointer.h"
 #include "core/com_text.h"
-#include "core/platform_state.h"
-#include "core/platform_text.h"
+#include "core/platform/state.h"
+#include "core/platform/text.h"
 #include "zemo/platform.h"
 
 // What only the management service knows. Each look-up initialises COM for itself, and every interface is released
