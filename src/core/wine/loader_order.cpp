@@ -1,10 +1,10 @@
-#include "core/loader_order.h"
+#include "core/wine/loader_order.h"
 
 #include <winternl.h>
 
 #include <cstddef>
 
-namespace ZEMO::Core {
+namespace ZEMO::Core::Wine {
 namespace {
 
 // The beginning of the loader's entry of a module, which the system's headers leave unnamed. It has not changed since
@@ -117,4 +117,4 @@ bool skipDetach(HMODULE module) {
     return true;
 }
 
-}  // namespace ZEMO::Core
+}  // namespace ZEMO::Core::Wine
