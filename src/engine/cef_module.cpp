@@ -59,6 +59,16 @@ std::wstring localeName(LCTYPE what) {
     return buffer;
 }
 
+// Names every missing file in the log. False when the engine can't live without one of them.
+bool hasNeededFiles(const std::wstring& basePath) {
+    bool complete = true;
+    for (const MissingEngineFile& file : findMissingEngineFiles(basePath)) {
+        Core::logDebugW(L"engine file is missing: %s\n", file.name.c_str());
+        complete = complete && !file.needed;
+    }
+    return complete;
+}
+
 // Ends the engine's loop once every browser has closed, or when they have had their time.
 class QuitWhenClosedTask : public CefTask {
 public:
@@ -95,11 +105,17 @@ std::wstring directoryOf(const std::wstring& path) { return path.substr(0, path.
 void CefModule::QuitTask::Execute() { CefQuitMessageLoop(); }
 
 int CefModule::start(HINSTANCE instance) {
+    // A second caller waits here until the first one's engine is ready.
+    static std::mutex startMutex;
+    static bool threadStarted = false;
+    const std::lock_guard starting(startMutex);
+    if (threadStarted) return -1;
     std::shared_ptr<CefModule> module(new CefModule(instance));
     cefModuleInstance() = module;
     std::weak_ptr<CefModule> watched = module;
     // A plain pointer: the module object is kept until the thread was joined, or for ever.
     module->engineThread = std::make_shared<std::thread>(&CefModule::engineThreadMain, module.get());
+    threadStarted = true;
     {
         std::unique_lock lock(module->readyMutex);
         module->readyCondition.wait(lock, [&watched] {
@@ -165,6 +181,9 @@ void CefModule::engineThreadMain() {
     engineThreadId = GetCurrentThreadId();
     runEngine();
     SetEvent(stopped.get());
+    // At an exit the process ends from here on at any moment. A thread on its own way out may be taken away with a lock
+    // of the engine or the runtime held that the modules then wait for; this one holds none.
+    if (Core::isProcessEnding()) Sleep(INFINITE);
 }
 
 void CefModule::runEngine() {
@@ -185,14 +204,12 @@ void CefModule::runEngine() {
 
     cachePath = selectCacheDirectory(basePath);
     cacheLockHandle = openCacheLock(cachePath);
-    for (const std::wstring& file : findMissingEngineFiles(basePath)) {
-        Core::logDebugW(L"engine file is missing: %s\n", file.c_str());
-    }
+    const bool hasFiles = hasNeededFiles(basePath);
     const std::wstring subprocess = selectSubprocess(basePath);
     const bool hasSubprocess = GetFileAttributesW(subprocess.c_str()) != INVALID_FILE_ATTRIBUTES;
     if (!hasSubprocess) Core::logDebugW(L"cef child program is missing: %s\n", subprocess.c_str());
-    if (!engineLoaded || !hasSubprocess) {
-        // An engine that can't start its child processes ends the whole game after a few tries.
+    if (!engineLoaded || !hasFiles || !hasSubprocess) {
+        // It would end the whole game: for a missing file at once, for the child program after a few tries.
         Core::logDebugA("cef is not started; no view will show a page\n");
         signalReady();
         return;
