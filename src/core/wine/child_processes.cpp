@@ -96,7 +96,8 @@ UniqueKernelHandle jobThatEndsWithUs() {
 
 bool tieChildProcesses(HMODULE module) {
     void** const place = findImport(module, "CreateProcessW");
-    UniqueKernelHandle made = place ? jobThatEndsWithUs() : UniqueKernelHandle();
+    if (!place) return false;
+    UniqueKernelHandle made = jobThatEndsWithUs();
     if (!made) return false;
     job = made.release();
     original = reinterpret_cast<CreateFunction>(*place);
