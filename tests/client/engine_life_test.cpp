@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "core/module_paths.h"
-#include "core/wine/handle_moves.h"
+#include "core/wine/import_table.h"
 #include "engine/cef_module.h"
 #include "engine/game_host.h"
 #include "support/debug_log.h"

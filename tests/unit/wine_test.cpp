@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "core/wine/child_processes.h"
 #include "core/wine/handle_moves.h"
+#include "core/wine/import_table.h"
 #include "core/wine/loader_order.h"
 #include "support/debug_log.h"
 #include "support/import_replaced.h"
@@ -46,6 +48,9 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     void** const place = findImport(program(), "DuplicateHandle");
     ASSERT_NE(place, nullptr);
     void* const before = *place;
+    void** const create = findImport(program(), "CreateProcessW");
+    ASSERT_NE(create, nullptr);
+    void* const createBefore = *create;
     const ZEMO::Test::DebugLogCapture log;
     {
         const ZEMO::Test::ImportReplaced windows("GetProcAddress", &withoutWine);
@@ -56,6 +61,7 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     }
     EXPECT_EQ(asked, std::vector<std::string>{"wine_get_version"}) << "once, and nothing else of the loader";
     EXPECT_EQ(*place, before);
+    EXPECT_EQ(*create, createBefore);
     EXPECT_EQ(loaderList(), listBefore);
     EXPECT_TRUE(log.lines().empty()) << log.dump();
 }
@@ -89,10 +95,11 @@ TEST(Wine, UnderWine_LoadedModuleHearsOfNoEndAfterTheMark) {
     EXPECT_FALSE(flagsOf(module) & kEntryPointWasCalled);
 }
 
-TEST(Wine, ModuleWithoutTheImport_MovesAreNotDiverted) {
+TEST(Wine, ModuleWithoutTheImports_NothingIsReplaced) {
     const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
     EXPECT_EQ(findImport(ntdll, "DuplicateHandle"), nullptr);
     EXPECT_FALSE(divertHandleMoves(ntdll));
+    EXPECT_FALSE(tieChildProcesses(ntdll));
 }
 
 }  // namespace ZEMO::Core::Wine

@@ -22,8 +22,4 @@ namespace ZEMO::Core::Wine {
 /// are. False, with nothing changed, when the module does not import it by name. Once in a process.
 bool divertHandleMoves(HMODULE module);
 
-/// Where `module` keeps the address of a function that it imports by `name` from whatever library; null when it does
-/// not.
-void** findImport(HMODULE module, const char* name);
-
 }  // namespace ZEMO::Core::Wine

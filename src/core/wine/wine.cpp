@@ -1,6 +1,7 @@
 #include "core/wine/wine.h"
 
 #include "core/log.h"
+#include "core/wine/child_processes.h"
 #include "core/wine/handle_moves.h"
 #include "core/wine/loader_order.h"
 
@@ -17,6 +18,7 @@ void guardEngine(HMODULE engine) {
     // The engine was loaded later, and would hear of the process's end before this library could keep it from that.
     if (!detachOwnModuleFirst()) logDebugA("the order of the modules could not be changed\n");
     if (!divertHandleMoves(engine)) logDebugA("the engine's handle moves could not be diverted\n");
+    if (!tieChildProcesses(engine)) logDebugA("the engine's processes could not be tied to this one\n");
 }
 
 void skipEngineDetach(HMODULE engine) {

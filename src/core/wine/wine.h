@@ -10,8 +10,8 @@ namespace ZEMO::Core::Wine {
 bool isRunningUnderWine();
 
 /// Guards `engine` (libcef.dll, loaded and not yet initialised, never unloaded) against what Wine does otherwise than
-/// Windows: see loader_order.h and handle_moves.h. Logs what could not be done; the engine starts all the same. On
-/// Windows it does nothing. Once, engine thread; this module must be pinned.
+/// Windows: see loader_order.h, handle_moves.h and child_processes.h. Logs what could not be done; the engine starts
+/// all the same. On Windows it does nothing. Once, engine thread; this module must be pinned.
 void guardEngine(HMODULE engine);
 
 /// Keeps `engine` from hearing that the process ends. On Windows it does nothing. Only in this module's entry point, at
