@@ -116,19 +116,19 @@
     return true;
   }
 
+  // The part of the screen in which an element can be seen.
+  const portOf = target => target === document.scrollingElement
+    ? { left: 0, top: 0, right: innerWidth, bottom: innerHeight } : target.getBoundingClientRect();
+
+  const overlap = (a, b) => a.bottom > b.top && a.right > b.left && a.top < b.bottom && a.left < b.right;
+  const isInSight = element => overlap(element.getBoundingClientRect(), portOf(document.scrollingElement));
+
   // So far out of sight that a step of scrolling would not show it: a reader would miss what lies between.
   function isFarAway(element, candidate, direction) {
     const target = scroller(element, direction);
-    if (!target || !target.contains(candidate)) return false;
-    const port = target === document.scrollingElement
-      ? { left: 0, top: 0, right: innerWidth, bottom: innerHeight } : target.getBoundingClientRect();
+    if (!target || !target.contains(candidate) || !isInSight(element)) return false;
     const extent = isHorizontal(direction) ? target.clientWidth : target.clientHeight;
-    return gap(turned(port, direction), turned(place(candidate), direction)) > SCROLL_STEP * extent;
-  }
-
-  function isInSight(element) {
-    const rect = element.getBoundingClientRect();
-    return rect.bottom > 0 && rect.right > 0 && rect.top < innerHeight && rect.left < innerWidth;
+    return gap(turned(portOf(target), direction), turned(place(candidate), direction)) > SCROLL_STEP * extent;
   }
 
   function focus(element) {
