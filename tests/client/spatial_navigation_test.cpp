@@ -61,15 +61,15 @@ TEST_F(SpatialNavigation, Table_NeighbourInEachDirection) {
         const char *from, *direction, *to;
     };
     const Case cases[] = {
-        {"g00", "right", "g01"},  {"g00", "down", "g10"},      {"g00", "left", "none"},    {"g00", "up", "none"},
-        {"g11", "right", "g12"},  {"g11", "left", "g10"},      {"g11", "up", "g01"},       {"g11", "down", "g21"},
-        {"g20", "down", "bar"},   {"g21", "down", "bar"},      {"g22", "down", "bar"},     {"bar", "up", "g20"},
-        {"bar", "down", "left"},  {"g02", "right", "side1"},   {"g12", "right", "side1"},  {"g22", "right", "side2"},
-        {"side1", "left", "g02"}, {"side2", "left", "g22"},    {"side1", "down", "side2"}, {"side2", "up", "side1"},
+        {"g00", "right", "g01"},    {"g00", "down", "g10"},      {"g00", "left", "none"},    {"g00", "up", "none"},
+        {"g11", "right", "g12"},    {"g11", "left", "g10"},      {"g11", "up", "g01"},       {"g11", "down", "g21"},
+        {"g20", "down", "bar"},     {"g21", "down", "bar"},      {"g22", "down", "bar"},     {"bar", "up", "g20"},
+        {"bar", "down", "left"},    {"g02", "right", "side1"},   {"g12", "right", "side1"},  {"g22", "right", "side2"},
+        {"side1", "left", "g02"},   {"side2", "left", "g22"},    {"side1", "down", "side2"}, {"side2", "up", "side1"},
         {"side2", "down", "over1"}, {"far", "up", "side2"},      {"far", "down", "none"},    {"far", "right", "none"},
-        {"left", "right", "low"}, {"low", "left", "left"},     {"low", "up", "bar"},       {"left", "up", "bar"},
-        {"left", "left", "none"}, {"over1", "right", "over2"}, {"over2", "left", "over1"}, {"over1", "down", "over2"},
-        {"over2", "up", "over1"}, {"side1", "up", "none"},     {"side1", "right", "none"}, {"bar", "right", "side2"},
+        {"left", "right", "low"},   {"low", "left", "left"},     {"low", "up", "bar"},       {"left", "up", "bar"},
+        {"left", "left", "none"},   {"over1", "right", "over2"}, {"over2", "left", "over1"}, {"over1", "down", "over2"},
+        {"over2", "up", "over1"},   {"side1", "up", "none"},     {"side1", "right", "none"}, {"bar", "right", "side2"},
     };
     static_assert(std::size(cases) == 36);
     ControllerPage page(game, pageWith(body));

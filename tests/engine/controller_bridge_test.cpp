@@ -8,6 +8,7 @@
 
 #include "engine/game_host.h"
 #include "support/http_server.h"
+#include "support/own_window.h"
 
 // The way of the controller between game and page, through the exports and the game's real window. A page's log comes
 // as requests to the test's server.
@@ -75,9 +76,9 @@ protected:
         for (const char* path : {"/plain", "/html/idp_login/index.html", "/html/login_idp/index.html"}) {
             server.serveHtml(path, kPage);
         }
-        setUIGameControllerScriptUseCallback([this](int use) {
-            const std::lock_guard lock(mutex);
-            reported.push_back(use);
+        setUIGameControllerScriptUseCallback([heard = reported](int use) {
+            const std::lock_guard lock(heard->mutex);
+            heard->uses.push_back(use);
         });
         sendGameControllerStatus(kConnected);
     }
@@ -91,10 +92,11 @@ protected:
         });
     }
     /// A view on a path of the server, addressed by name as pages are.
-    void open(const std::string& path) {
+    void open(const std::string& path, int displayMode = 0) {
         ASSERT_TRUE(bringToFront(game.window));
         view = createWebViewDefault();
         view->setSize(320, 200);
+        view->setDisplayMode(displayMode);
         view->setWebViewDelegate(events);
         view->loadUrl(server.url(path), {addressItem(server.url(path))});
         view->show();
@@ -126,8 +128,8 @@ protected:
         return waitForLog("went", before + 1);
     }
     std::vector<int> uses() const {
-        const std::lock_guard lock(mutex);
-        return reported;
+        const std::lock_guard lock(reported->mutex);
+        return reported->uses;
     }
     bool waitForUse(int last, size_t atLeast) {
         return game.waitFor("the use callback", [&] {
@@ -142,8 +144,12 @@ protected:
     std::shared_ptr<IZEMOWebView> view;
 
 private:
-    mutable std::mutex mutex;
-    std::vector<int> reported;
+    /// Shared with the callback, which the view's last call may outlive.
+    struct Reported {
+        std::mutex mutex;
+        std::vector<int> uses;
+    };
+    std::shared_ptr<Reported> reported = std::make_shared<Reported>();
     int command = 0;
 };
 
@@ -275,6 +281,26 @@ TEST_F(ControllerForeground, FocusOfAPageThatNeverUsedIt_GameHearsZeroAndThePage
     ASSERT_TRUE(go("zemosdk://gamepadinit?use=true"));
     ASSERT_TRUE(waitForLog("init "));
     EXPECT_EQ(logged("focus "), 0u);
+}
+
+TEST_F(ControllerForeground, ViewInAWindowOfItsOwn_GetsInputAndFocusInFront) {
+    open("/html/idp_login/index.html", 1);
+    ASSERT_TRUE(waitForLog("status "));
+    const HWND own = findViewWindow();
+    ASSERT_TRUE(own);
+    ASSERT_TRUE(bringToFront(own));
+    ASSERT_TRUE(waitForLog("focus gained"));
+    const size_t lost = logged("focus lost"), gained = logged("focus gained");
+    sendGameControllerCustomMsgData("1");
+    EXPECT_TRUE(waitForLog("input 1"));
+    ASSERT_TRUE(bringToFront(game.window));
+    EXPECT_TRUE(waitForLog("focus lost", lost + 1));
+    sendGameControllerCustomMsgData("2");  // the game's own window is in front, and there is no page on it
+    ASSERT_TRUE(bringToFront(own));
+    EXPECT_TRUE(waitForLog("focus gained", gained + 1));
+    sendGameControllerCustomMsgData("3");
+    EXPECT_TRUE(waitForLog("input 3"));
+    EXPECT_EQ(logged("input 2"), 0u);
 }
 
 TEST_F(ControllerForeground, LocalPagePlayedByPadAlone_FormReachesTheGame) {
