@@ -67,14 +67,28 @@ ZEMO_API void openIncognitoBrowser(const ZEMO::Core::IURL& url);
 /// The game's on-screen keyboard went away: the page's text field loses the focus.
 ZEMO_API void processSteamDeckKeyboardClose();
 
-/// Controller input for the page in front, as a script expression (JSON). Dropped unless the game's main window, or a
-/// view's window that it owns, is in the foreground.
+/// Controller input for the page in front, as a script expression (JSON): the page's handleControllerInput gets it. Any
+/// thread; returns at once, the page hears of it from the window's message. Dropped unless the game's main window, or a
+/// view's window that it owns, is in the foreground, and while the page does not use the controller scripts.
+///   sendGameControllerCustomMsgData(R"({"button": "down"})");
 ZEMO_API void sendGameControllerCustomMsgData(const std::string& data);
 
-/// The controller's state, a JSON object, for the next page load. Nothing is sent to an open page.
+/// The controller's state, a JSON object, for the next page load and the next page that asks for it. Nothing is sent to
+/// an open page. Any thread.
 ZEMO_API void sendGameControllerStatus(const std::string& statusJson);
 
-/// Injects an input event into the page in front; client pixels of the main window.
+/// Injects an input event into the page in front, as the user would have made it. Any thread; posted to the main
+/// window, so the events of one thread keep their order. `x` and `y` are client pixels of that window, signed 16 bits.
+///
+/// | type               | action                 | data                                                      |
+/// |--------------------|------------------------|-----------------------------------------------------------|
+/// | "Click" or "Touch" | "Move", "Down" or "Up" | ignored; a move is one with the left button held          |
+/// | "Wheel"            | "Up" or "Down"         | ignored; one notch                                        |
+/// | "Key"              | "Down" or "Up"         | virtual key, decimal, or hexadecimal with 0x in front     |
+/// | "Message"          | ignored                | text for the focused field, UTF-8                         |
+///
+/// Anything else does nothing. Throws std::invalid_argument or std::out_of_range for a key that is no 32-bit number.
+///   sendUIRemoteInputEvent("Key", "Down", "0x0D", 0, 0);
 ZEMO_API void sendUIRemoteInputEvent(const std::string& type, const std::string& action, const std::string& data, int x,
                                      int y);
 
@@ -84,7 +98,8 @@ ZEMO_API void setOpenGLSleepTime(unsigned int ms);
 /// Non-zero: pages are composited by the engine in software ("disable-gpu-compositing"). Only before InitUILibrary.
 ZEMO_API void setUIEngineOsrRenderEnabled(int enabled);
 
-/// Told 1 when a page uses the controller scripts, 0 when not; on the engine thread. Read when a view is first shown.
+/// Told 1 when a page uses the controller scripts, 0 when not: on the engine thread when that changes, on the window's
+/// thread each time the view gets the focus. Read when a view is first shown. Must not block.
 ZEMO_API void setUIGameControllerScriptUseCallback(std::function<void(int)> callback);
 
 /// Asked, on a thread of the library, before an address goes to the external browser; true: the game has opened it.

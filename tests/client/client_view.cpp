@@ -3,6 +3,7 @@
 namespace ZEMO::Test {
 
 ClientView::ClientView(GameHost& host, const std::string& address, Options options) {
+    events->decide = options.decide;
     adapter = new ZEMO::UI::CefAdapter({facade, events}, host.window, options.style, options.closeButton, nullptr, 0,
                                        options.presentCallback ? host.frames.callback() : nullptr);
     CefWindowInfo windowInfo;

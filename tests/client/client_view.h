@@ -14,6 +14,7 @@ public:
         ZEMO::UI::WindowStyle style = ZEMO::UI::WindowStyle::Layer;
         bool closeButton = false;
         bool presentCallback = true;
+        std::function<bool(const std::string&)> decide;  ///< for `events`; unset lets everything pass
     };
     ClientView(GameHost& host, const std::string& address) : ClientView(host, address, Options{}) {}
     ClientView(GameHost& host, const std::string& address, Options options);

@@ -14,12 +14,12 @@ namespace {
 
 using ZEMO::UI::ControllerScripts;
 
-constexpr char kReady[] = "document.readyState + document.querySelectorAll('.keymap_item').length";
-
 std::string localPage(const std::string& page) {
     const std::u8string folder = ZEMO::Core::getLocalHtmlDirectory().u8string();
     return "file:///" + std::string(folder.begin(), folder.end()) + "/" + page + ".html";
 }
+
+bool isForTheGame(const std::string& url) { return !url.starts_with("file:") && !url.starts_with("http:"); }
 
 int hexDigit(char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; }
 
@@ -38,10 +38,13 @@ std::string percentDecoded(const std::string& text) {
 
 }  // namespace
 
-ControllerPage::ControllerPage(GameHost& host, const std::string& page, const std::string& status)
-    : game(host), view(host, localPage(page)) {
-    view.events->decide = [](const std::string& url) { return !url.starts_with("file:"); };
+ControllerPage::ControllerPage(GameHost& host, const std::string& address)
+    : game(host), view(host, address, {.decide = isForTheGame}) {
     game.waitFor("the page's start", [&] { return view.events->has("starting"); });
+}
+
+ControllerPage::ControllerPage(GameHost& host, const std::string& page, const std::string& status)
+    : ControllerPage(host, localPage(page)) {
     // Whatever the page's own row says, its files come from the folder: the scheme is another test's.
     run(ControllerScripts::buildControllerPageScript(L"html/idp_login", status));
 }
@@ -52,8 +55,12 @@ void ControllerPage::run(const std::string& script) {
         frame->ExecuteJavaScript(script, "", 0);
 }
 
+bool ControllerPage::waitUntilLoaded() {
+    return game.waitFor("the page", [&] { return view.events->has("completed"); });
+}
+
 bool ControllerPage::waitUntilReady() {
-    return game.waitFor("the page", [&] { return view.events->has("completed"); }) && waitFor(kReady, "complete3");
+    return waitUntilLoaded() && waitFor("document.querySelectorAll('.keymap_item').length", "3");
 }
 
 // The page tells it as an address that it asks for, which the view's delegate hears and refuses.

@@ -12,8 +12,12 @@ class ControllerPage {
 public:
     /// `page` is a file below resources/html without its ending; `status` is what the game said of its controller.
     ControllerPage(GameHost& host, const std::string& page, const std::string& status);
-    ControllerPage(GameHost& host, const std::string& address) : game(host), view(host, address) {}
+    /// Any page, without the library's scripts.
+    ControllerPage(GameHost& host, const std::string& address);
 
+    /// Before it a question would end the loading.
+    bool waitUntilLoaded();
+    /// Loaded, and the controller's files at work.
     bool waitUntilReady();
     /// The value of a script expression, as text. Empty when the page did not answer.
     std::string ask(const std::string& expression);

@@ -61,20 +61,19 @@ TEST_F(SpatialNavigation, Table_NeighbourInEachDirection) {
         const char *from, *direction, *to;
     };
     const Case cases[] = {
-        {"g00", "right", "g01"},  {"g00", "down", "g10"},      {"g00", "left", "none"},    {"g00", "up", "none"},
-        {"g11", "right", "g12"},  {"g11", "left", "g10"},      {"g11", "up", "g01"},       {"g11", "down", "g21"},
-        {"g20", "down", "bar"},   {"g21", "down", "bar"},      {"g22", "down", "bar"},     {"bar", "up", "g21"},
-        {"bar", "down", "low"},   {"g02", "right", "side1"},   {"g12", "right", "side1"},  {"g22", "right", "side2"},
-        {"side1", "left", "g02"}, {"side2", "left", "g22"},    {"side1", "down", "side2"}, {"side2", "up", "side1"},
-        {"side2", "down", "far"}, {"far", "up", "side2"},      {"far", "down", "none"},    {"far", "right", "none"},
-        {"left", "right", "low"}, {"low", "left", "left"},     {"low", "up", "bar"},       {"left", "up", "bar"},
-        {"left", "left", "none"}, {"over1", "right", "over2"}, {"over2", "left", "over1"}, {"over1", "down", "over2"},
-        {"over2", "up", "over1"}, {"side1", "up", "none"},     {"side1", "right", "none"}, {"bar", "right", "side2"},
+        {"g00", "right", "g01"},    {"g00", "down", "g10"},      {"g00", "left", "none"},    {"g00", "up", "none"},
+        {"g11", "right", "g12"},    {"g11", "left", "g10"},      {"g11", "up", "g01"},       {"g11", "down", "g21"},
+        {"g20", "down", "bar"},     {"g21", "down", "bar"},      {"g22", "down", "bar"},     {"bar", "up", "g20"},
+        {"bar", "down", "left"},    {"g02", "right", "side1"},   {"g12", "right", "side1"},  {"g22", "right", "side2"},
+        {"side1", "left", "g02"},   {"side2", "left", "g22"},    {"side1", "down", "side2"}, {"side2", "up", "side1"},
+        {"side2", "down", "over1"}, {"far", "up", "side2"},      {"far", "down", "none"},    {"far", "right", "none"},
+        {"left", "right", "low"},   {"low", "left", "left"},     {"low", "up", "bar"},       {"left", "up", "bar"},
+        {"left", "left", "none"},   {"over1", "right", "over2"}, {"over2", "left", "over1"}, {"over1", "down", "over2"},
+        {"over2", "up", "over1"},   {"side1", "up", "none"},     {"side1", "right", "none"}, {"bar", "right", "side2"},
     };
     static_assert(std::size(cases) == 36);
     ControllerPage page(game, pageWith(body));
-    page.view.events->decide = [](const std::string& url) { return url.starts_with("probe:"); };
-    ASSERT_TRUE(page.waitFor("document.readyState", "complete"));
+    ASSERT_TRUE(page.waitUntilLoaded());
     std::string question, expected;
     for (const Case& each : cases) {
         question += std::format("+'{0} {1} '+next('{0}','{1}')+';'", each.from, each.direction);
@@ -93,35 +92,31 @@ TEST_F(SpatialNavigation, WhatCannotHaveTheFocus_IsNoNeighbour) {
                  "padding:0;border:0;overflow:hidden'></button><a id=b href=x>b</a><div id=c tabindex=0>c</div>"
                  "<div id=d contenteditable>d</div><select id=e></select><textarea id=f></textarea>"
                  "<details><summary id=g>g</summary></details>"));
-    page.view.events->decide = [](const std::string& url) { return url.starts_with("probe:"); };
-    ASSERT_TRUE(page.waitFor("document.readyState", "complete"));
+    ASSERT_TRUE(page.waitUntilLoaded());
     EXPECT_EQ(page.ask("SpatialNavigation.focusables().map(e => e.id).join()"), "a,b,c,d,e,f,g");
 }
 
 TEST_F(SpatialNavigation, Edge_FocusStaysAndNothingWraps) {
     ControllerPage page(game, pageWith(box("a", 10, 10, 50, 30) + box("b", 10, 100, 50, 30)));
-    page.view.events->decide = [](const std::string& url) { return url.starts_with("probe:"); };
-    ASSERT_TRUE(page.waitFor("document.readyState", "complete"));
+    ASSERT_TRUE(page.waitUntilLoaded());
     EXPECT_EQ(page.ask("[move('down'), move('down'), move('down'), move('right'), move('up'), move('up')].join()"),
               "a,b,b,b,a,a")
         << "the first move only begins";
 }
 
 TEST_F(SpatialNavigation, NeighbourOutOfSight_ScrolledIntoView) {
-    ControllerPage page(game, pageWith(box("a", 10, 10, 50, 30) + box("b", 10, 900, 50, 30)));
-    page.view.events->decide = [](const std::string& url) { return url.starts_with("probe:"); };
-    ASSERT_TRUE(page.waitFor("document.readyState", "complete"));
+    ControllerPage page(game, pageWith(box("a", 10, 10, 50, 30) + box("b", 10, 1500, 50, 30)));
+    ASSERT_TRUE(page.waitUntilLoaded());
     page.run("document.getElementById('a').focus()");
     EXPECT_EQ(page.ask("move('down')"), "a") << "further away than one can see: the page is scrolled first";
     EXPECT_EQ(page.ask("scrollY > 200"), "true");
-    EXPECT_EQ(page.ask("[move('down'), move('down')].join()"), "a,b");
+    EXPECT_EQ(page.ask("[move('down'), move('down')].join()"), "a,b") << "in reach after the second";
     EXPECT_EQ(page.ask("document.getElementById('b').getBoundingClientRect().bottom <= innerHeight"), "true");
 }
 
 TEST_F(SpatialNavigation, NothingBeyondButMoreToRead_ScrollsThere) {
     ControllerPage page(game, pageWith(box("a", 10, 10, 50, 30) + "<div style='height:2000px'></div>"));
-    page.view.events->decide = [](const std::string& url) { return url.starts_with("probe:"); };
-    ASSERT_TRUE(page.waitFor("document.readyState", "complete"));
+    ASSERT_TRUE(page.waitUntilLoaded());
     EXPECT_EQ(page.ask("[move('down'), move('down'), scrollY > 200, move('up'), scrollY].join()"), "a,a,true,a,0");
 }
 

@@ -3,15 +3,12 @@
 #include <cstring>
 #include <utility>
 
-#include "controller/controller_scripts.h"
 #include "core/process_end.h"
 #include "engine/client/create_browser_task.h"
 #include "engine/client/script/javascript_processor.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
-#include "layers/layer_manager.h"
 #include "layers/web/page_address.h"
-#include "layers/web/special_url.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -141,8 +138,6 @@ void WebLayer::runInMainFrame(const std::string& script, bool withFrameUrl) {
     if (frame) frame->ExecuteJavaScript(script, withFrameUrl ? frame->GetURL() : CefString(), 0);
 }
 
-void WebLayer::injectControllerScript(const std::string& /*script*/) {}
-
 void WebLayer::onNavigationCompleted() {
     // A page that is loaded while its layer has the focus hears of the focus now; nobody else would tell it.
     if (GetForegroundWindow() == getWindowHandle()) onActivated();
@@ -150,25 +145,6 @@ void WebLayer::onNavigationCompleted() {
         createCloseButton(closeButtonAction);
         adapter->showCloseButton();
     }
-}
-
-bool WebLayer::handleSpecialUrl(const std::string& url) {
-    bool use = false;
-    std::string status;
-    switch (classifySpecialUrl(url, ZEMOMultiLayerManager::instance().getGameControllerStatus(), use, status)) {
-        case SpecialUrl::Ordinary:
-            return false;
-        case SpecialUrl::NativeClose:
-            clickCloseButton();
-            return true;
-        case SpecialUrl::GamePadInit:
-        case SpecialUrl::GamePadInitDefaultStatus:
-            break;
-    }
-    controllerScriptActive = use;
-    if (use) runInMainFrame(ControllerScripts::buildInitClientGamePadScript(status), true);
-    if (controllerScriptUseCallback) controllerScriptUseCallback(controllerScriptActive);
-    return true;
 }
 
 void WebLayer::setVisible(bool show, bool keepHookFrame) { adapter->setVisible(show, keepHookFrame); }

@@ -97,6 +97,7 @@ private:
     void createBrowser(const std::string& address);
     void navigate(const std::string& address);
     void runInMainFrame(const std::string& script, bool withFrameUrl);
+    void reportControllerScriptUse();
     /// Calls `use` with the browser, if there is one: what is tested is what is used.
     template <class Use>
     void withBrowser(Use use) {

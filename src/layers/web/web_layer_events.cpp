@@ -78,11 +78,6 @@ bool WebLayer::onImeQueryCharPosition(IMECHARPOSITION* position) {
     return adapter && adapter->getIme().onImeQueryCharPosition(position);
 }
 
-// The page hears of the focus, and of controller input, by scripts that are not part of this build yet.
-void WebLayer::onActivated() {}
-void WebLayer::onDeactivated() {}
-void WebLayer::onExternalScript(const std::string& /*payload*/) {}
-
 void WebLayer::onExternalText(const std::string& text) {
     withBrowser([&](const CefRefPtr<CefBrowser>& browser) { adapter->getIme().commitImeText(browser, text); });
 }

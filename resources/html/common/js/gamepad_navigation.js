@@ -208,6 +208,8 @@
   function showHints() {
     const box = document.querySelector('.keymap_info');
     if (!box) return;
+    const home = scope() === document ? document.body : scope();  // what a dialog covers is dimmed
+    if (box.parentElement !== home) home.append(box);
     box.style.display = pad.connected && pad.shown ? '' : 'none';
     box.replaceChildren(...hintList());
   }

@@ -9,8 +9,10 @@
 
   const LETTERS = ['1234567890', 'qwertyuiop', 'asdfghjkl@', 'zxcvbnm.-_'];
   const SYMBOLS = ['1234567890', '!"#$%&\'()*', '+,/:;<=>?@', '[\\]^`{|}~_'];
-  const ICONS = { shift: '\u21e7', symbols: '#+=', letters: 'abc', space: '', left: '\u2190', right: '\u2192', remove: '\u232b',
-    done: '\u23ce' };
+  const icon = path => `<svg viewBox="0 0 24 24" width="24" height="24" fill="none" stroke="currentColor" stroke-width="2"
+    stroke-linecap="round" stroke-linejoin="round"><path d="${path}"/></svg>`;
+  const ICONS = { shift: icon('M12 4 4 12h4v7h8v-7h4z'), symbols: '#+=', letters: 'abc', space: '', left: icon('m14 6-6 6 6 6'),
+    right: icon('m10 6 6 6-6 6'), remove: icon('M9 6h11v12H9l-6-6zm3 3 5 6m0-6-5 6'), done: icon('m5 13 5 5L19 7') };
   const ROOM = 24;  // pixels between a field and the keyboard
 
   function make(className, parent) {
@@ -72,14 +74,14 @@
     else if (field.selectionStart !== null) field.setSelectionRange(field.value.length, field.value.length);
   }
 
-  // A field below the keyboard is lifted above it, as a phone does.
+  // A field below the keyboard is lifted above it, as a phone does. What is fixed on the screen stays.
   function lift(field, root) {
     const hidden = field.getBoundingClientRect().bottom + ROOM - root.getBoundingClientRect().top;
     if (hidden <= 0) return () => {};
-    const body = document.body, before = body.style.translate;
-    body.style.translate = `0 ${-Math.ceil(hidden)}px`;
-    root.style.translate = `0 ${Math.ceil(hidden)}px`;  // what is fixed in a moved body moves with it
-    return () => { body.style.translate = before; };
+    const style = document.body.style, before = [style.position, style.top];
+    style.position = 'relative';
+    style.top = `${-Math.ceil(hidden)}px`;
+    return () => { [style.position, style.top] = before; };
   }
 
   function keyboard(field, done) {
@@ -87,7 +89,8 @@
     let shifted = false, symbols = false;
 
     function key(row, id, press) {
-      const element = made.item(row, ICONS[id], press);
+      const element = made.item(row, '', press);
+      element.innerHTML = ICONS[id];
       element.classList.add('pad_key_' + id);
       element.dataset.key = id;
       if (id === 'shift') element.classList.toggle('pad_on', shifted);

@@ -11,12 +11,14 @@
   const FOCUSABLE = 'a[href], area[href], button, input:not([type=hidden]), select, textarea, summary, [tabindex], ' +
     '[contenteditable=""], [contenteditable=true]';
   const SCROLL_STEP = 0.6;   // of the visible part
-  const FAR_AWAY = 0.9;      // of the visible part: beyond it the page is scrolled before the focus leaves
   const AHEAD_WEIGHT = 13;   // a gap ahead counts more than one aside: rows and columns are kept
   const isHorizontal = direction => direction === 'left' || direction === 'right';
 
+  // Editable text can have the focus without saying so.
+  const isSkipped = element => element.tabIndex < 0 && !(element.isContentEditable && !element.hasAttribute('tabindex'));
+
   function isUsable(element) {
-    if (element.tabIndex < 0 || element.matches(':disabled') || element.closest('[inert], [aria-hidden=true]')) return false;
+    if (isSkipped(element) || element.matches(':disabled') || element.closest('[inert], [aria-hidden=true]')) return false;
     if (!element.checkVisibility({ checkVisibilityCSS: true })) return false;
     const rect = element.getBoundingClientRect();
     return rect.width > 0 && rect.height > 0;
@@ -24,6 +26,12 @@
 
   function focusables(root) {
     return Array.from((root || document).querySelectorAll(FOCUSABLE)).filter(isUsable);
+  }
+
+  // A control inside its label is one thing to the eye.
+  function place(element) {
+    const label = element.labels && element.labels[0];
+    return (label && label.contains(element) ? label : element).getBoundingClientRect();
   }
 
   // Every move becomes one towards growing numbers: `near` to `far` along it, `low` to `high` across.
@@ -40,17 +48,20 @@
   const inBeam = (from, to) => to.low < from.high && to.high > from.low;
   const gap = (from, to) => Math.max(0, to.near - from.far);
 
+  // Across, the beginnings count: below a wide field lies what begins where it begins, as one reads.
   function distance(from, to) {
-    const aside = (from.low + from.high - to.low - to.high) / 2;
+    const aside = from.low - to.low;
     const ahead = gap(from, to);
     return AHEAD_WEIGHT * ahead * ahead + aside * aside;
   }
+
+  const gapAside = (from, to) => Math.max(0, to.low - from.high, from.low - to.high);
 
   // What lies straight ahead wins over what lies aside, sideways always; up and down only while it is not further away
   // than the whole of the other, so that a row of buttons is not jumped over for a heading's link below it.
   function beamWins(from, straight, other, direction) {
     if (!inBeam(from, straight) || inBeam(from, other)) return false;
-    if (from.far > other.near || isHorizontal(direction)) return true;
+    if (isHorizontal(direction) || gapAside(from, other) > gap(from, other)) return true;
     return gap(from, straight) < Math.max(1, other.far - from.far);
   }
 
@@ -61,11 +72,11 @@
   }
 
   function next(direction, element, elements) {
-    const from = turned(element.getBoundingClientRect(), direction);
+    const from = turned(place(element), direction);
     let best = null, bestRect = null;
     for (const candidate of elements) {
       if (candidate === element) continue;
-      const rect = turned(candidate.getBoundingClientRect(), direction);
+      const rect = turned(place(candidate), direction);
       if (!liesAhead(from, rect)) continue;
       if (best && !isBetter(from, rect, bestRect, direction)) continue;
       best = candidate;
@@ -105,18 +116,19 @@
     return true;
   }
 
-  // So far out of sight that a reader would miss what lies between.
+  // The part of the screen in which an element can be seen.
+  const portOf = target => target === document.scrollingElement
+    ? { left: 0, top: 0, right: innerWidth, bottom: innerHeight } : target.getBoundingClientRect();
+
+  const overlap = (a, b) => a.bottom > b.top && a.right > b.left && a.top < b.bottom && a.left < b.right;
+  const isInSight = element => overlap(element.getBoundingClientRect(), portOf(document.scrollingElement));
+
+  // So far out of sight that a step of scrolling would not show it: a reader would miss what lies between.
   function isFarAway(element, candidate, direction) {
     const target = scroller(element, direction);
-    if (!target || !target.contains(candidate)) return false;
+    if (!target || !target.contains(candidate) || !isInSight(element)) return false;
     const extent = isHorizontal(direction) ? target.clientWidth : target.clientHeight;
-    return gap(turned(element.getBoundingClientRect(), direction),
-      turned(candidate.getBoundingClientRect(), direction)) > FAR_AWAY * extent;
-  }
-
-  function isInSight(element) {
-    const rect = element.getBoundingClientRect();
-    return rect.bottom > 0 && rect.right > 0 && rect.top < innerHeight && rect.left < innerWidth;
+    return gap(turned(portOf(target), direction), turned(place(candidate), direction)) > SCROLL_STEP * extent;
   }
 
   function focus(element) {
