@@ -2,6 +2,7 @@
 # built natively a second time, where the sanitizers and the fuzzers run. Paths are relative to src/.
 set(ZEMO_PORTABLE_SOURCES)
 foreach(candidate
+    core/locale_names.cpp
     core/string_util.cpp
     core/url.cpp
     render/frame_compositor.cpp
@@ -9,6 +10,7 @@ foreach(candidate
     render/pixel_scale.cpp
     layers/deck/extra_window_rules.cpp
     layers/deck/on_screen_keyboard_rules.cpp
+    api/file_selection.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp)
   if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
