@@ -11,6 +11,7 @@
 #include "layers/layer_manager.h"
 #include "layers/posted_text.h"
 #include "layers/window_messages.h"
+#include "zemo/locale_setter.h"
 #include "zemo/ui.h"
 
 namespace ZEMO::UI {
@@ -21,7 +22,8 @@ ZEMOMultiLayerManager& manager() { return ZEMOMultiLayerManager::instance(); }
 }  // namespace
 
 void InitUILibrary() {
-    startLibrary(true);  // the UTF-8 locale of the runtime library follows here with the locale functions
+    startLibrary(true);
+    LocaleSetter().setUTF8PreservePreSettedLocale();
 }
 
 void InitUIGraphicsHook() { loadGraphicsHook(); }
