@@ -56,7 +56,7 @@ void floorCopy(benchmark::State& state, const FrameSize& size) {
     finish(state, size, "");
 }
 
-FrameCompositor::Present countingSink(int64_t& dirtyPixels) {
+ZEMO::UI::OsrFramePresentCallback countingSink(int64_t& dirtyPixels) {
     return [&dirtyPixels](const void* pixels, int, int, int, int, int w, int h) {
         benchmark::DoNotOptimize(pixels);
         dirtyPixels += int64_t{w} * h;

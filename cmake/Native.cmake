@@ -9,7 +9,7 @@ target_link_options(zemo_portable PUBLIC -fsanitize=address,undefined)
 
 include(GoogleTest)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
-file(GLOB portable_tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/portable/*.cpp)
+file(GLOB_RECURSE portable_tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/portable/*.cpp)
 if(portable_tests)
   add_executable(zemo_portable_tests ${portable_tests})
   target_include_directories(zemo_portable_tests PRIVATE tests)
@@ -20,7 +20,7 @@ endif()
 
 # One fuzz target a file; each runs for a bounded time in the suite.
 set(ZEMO_FUZZ_SECONDS 5 CACHE STRING "Seconds each fuzz target runs under ctest")
-file(GLOB fuzz_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/fuzz_*.cpp)
+file(GLOB_RECURSE fuzz_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/fuzz_*.cpp)
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   foreach(source ${fuzz_sources})
     get_filename_component(name ${source} NAME_WE)

@@ -1,9 +1,9 @@
 # Library sources that need neither Windows nor the engine. They are part of the library as every other source, and are
-# built natively a second time, where the sanitizers and the fuzzers run. Paths are relative to src/.
-set(ZEMO_PORTABLE_SOURCES)
-foreach(candidate
+# built natively a second time, where the sanitizers and the fuzzers run.
+set(ZEMO_PORTABLE_SOURCES
     core/locale_names.cpp
     core/string_util.cpp
+    core/texts_under_way.cpp
     core/url.cpp
     render/frame_compositor.cpp
     render/cursor_file.cpp
@@ -12,8 +12,9 @@ foreach(candidate
     layers/deck/on_screen_keyboard_rules.cpp
     api/file_selection.cpp
     browser/loopback_request.cpp
-    browser/browser_rules.cpp)
-  if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
-    list(APPEND ZEMO_PORTABLE_SOURCES ${CMAKE_CURRENT_LIST_DIR}/../src/${candidate})
-  endif()
-endforeach()
+    browser/browser_rules.cpp
+    controller/controller_pages.cpp
+    controller/controller_scripts.cpp
+    controller/remote_input.cpp
+    engine/client/script/script_queue.cpp)
+list(TRANSFORM ZEMO_PORTABLE_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)

@@ -1,6 +1,7 @@
 #include "child_app.h"
 
 #include "core/resource_names.h"
+#include "page_process_handler.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -13,7 +14,11 @@ public:
         registrar->AddCustomScheme(Core::kCustomSchemeName, Core::kCustomSchemeOptions);
     }
 
+    CefRefPtr<CefRenderProcessHandler> GetRenderProcessHandler() override { return pageProcess; }
+
 private:
+    const CefRefPtr<CefRenderProcessHandler> pageProcess = new PageProcessHandler;
+
     IMPLEMENT_REFCOUNTING(ChildApp);
 };
 

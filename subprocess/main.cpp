@@ -10,6 +10,7 @@
 #include "cef/engine_library.h"
 #include "child_app.h"
 #include "include/cef_app.h"
+#include "parent_watch.h"
 
 namespace {
 
@@ -35,11 +36,16 @@ std::wstring engineDirectory() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
+    ZEMO::Subprocess::endWithParent();
     std::string reason;
     const std::wstring directory = engineDirectory();
     if (directory.empty() || !cefLoadLibrary(directory.c_str(), &reason)) {
         OutputDebugStringA(("cef.subprocess: " + reason + "\n").c_str());
         return kNoEngineExitCode;
     }
-    return CefExecuteProcess(CefMainArgs(instance), ZEMO::UI::createChildApp(), nullptr);
+    const int exitCode = CefExecuteProcess(CefMainArgs(instance), ZEMO::UI::createChildApp(), nullptr);
+    // Not by returning: the modules would hear of the end when the other threads are gone, some with a lock held, and a
+    // process that waits for such a lock stays behind for ever. Nothing is left to do.
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitCode));
+    return exitCode;
 }

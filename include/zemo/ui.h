@@ -9,6 +9,7 @@
 
 #include <zemo/export.h>
 #include <zemo/file_select_view.h>
+#include <zemo/frame_present.h>
 #include <zemo/json_containers.h>
 #include <zemo/locale_setter.h>
 #include <zemo/platform.h>
@@ -26,14 +27,11 @@
 
 namespace ZEMO::UI {
 
-/// A finished frame: `pixels` (bytes B, G, R, A, premultiplied, rows from top to bottom, stride frameWidth times 4),
-/// `frameWidth`, `frameHeight`, then the changed rectangle `dirtyX`, `dirtyY`, `dirtyWidth`, `dirtyHeight`, all in
-/// device pixels. The rectangle may be empty. Called on the engine thread, up to 30 times a second; `pixels` is valid
-/// only during the call, and the call must not block: copy or upload and return. A null pointer with six zeros says
-/// that there is nothing to show any more; it comes last, on the thread that drops the view, or on the engine thread
-/// when a frame is just being taken. Never two calls of one view at a time.
-using OsrFramePresentCallback = std::function<void(const void* pixels, int frameWidth, int frameHeight, int dirtyX,
-                                                   int dirtyY, int dirtyWidth, int dirtyHeight)>;
+/// Window messages (WM_USER + 200 to WM_USER + 206) that the library posts to the game's main window and to its own. A
+/// game should not use these numbers for messages of its own to that window: one that it posts there is taken for the
+/// library's while a view is shown, though a pointer that it carries is neither read nor freed.
+inline constexpr unsigned int kFirstReservedMessage = 1224;
+inline constexpr unsigned int kLastReservedMessage = 1230;
 
 /// Starts the engine on a thread of the library and returns when it is ready (0.3 to 0.5 s); finds the game's main
 /// window (the process's first visible top-level window without an owner) and takes its messages first from then on.

@@ -1,12 +1,32 @@
 #pragma once
 
 /// \file
-/// The exceptions of the Windows Runtime's C++ projection, as the functions of <zemo/platform.h> raise them.
+/// What the functions of <zemo/platform.h> that ask the Windows Runtime raise.
 ///
-/// Where the compiler brings the projection's headers they are used. Elsewhere the same names and the same behaviour
-/// are declared here, header-only, so that library and game agree on the types across the module boundary.
-#if __has_include(<winrt/base.h>)
+/// The classes have the names and the behaviour of the runtime's C++ projection, and one layout in library and game: it
+/// depends on the compiler alone (ZEMO_WINRT_PROJECTION), not on what lies on an include path. With Microsoft's
+/// compiler they are the projection's own classes, so that its headers have to be there. With any other they are the
+/// classes below, declared without anything of the projection. Both ways they are found in ZEMO::Platform::WinRt.
+///
+/// They are found as winrt::hresult_error and so on as well, unless the program includes the projection itself: then
+/// those names are the projection's, whose classes this library does not raise with such a compiler. Catch by the names
+/// of ZEMO::Platform::WinRt there, or call through raisedByProjection.
+#ifndef ZEMO_WINRT_PROJECTION
+#ifdef _MSC_VER
+#define ZEMO_WINRT_PROJECTION 1  // library and game must agree on it
+#else
+#define ZEMO_WINRT_PROJECTION 0
+#endif
+#endif
+
+#if ZEMO_WINRT_PROJECTION
 #include <winrt/base.h>
+
+namespace ZEMO::Platform::WinRt {
+
+using namespace ::winrt;
+
+}  // namespace ZEMO::Platform::WinRt
 #else
 
 #ifndef NOMINMAX
@@ -23,7 +43,8 @@
 #include <string_view>
 #include <utility>
 
-namespace winrt {
+// NOLINTBEGIN(readability-identifier-naming): the projection's names
+namespace ZEMO::Platform::WinRt {
 
 /// Text of the runtime: UTF-16, converts to std::wstring_view.
 using hstring = std::wstring;
@@ -40,17 +61,17 @@ struct hresult {
 /// by the name of a class derived from it. A value: copyable, bound to no thread and to no COM object.
 struct hresult_error {
     hresult_error() noexcept : hresult_error(E_FAIL) {}
-    explicit hresult_error(hresult code) noexcept : code_(code) {}
-    hresult_error(hresult code, hstring message) noexcept : code_(code), message_(std::move(message)) {}
+    explicit hresult_error(hresult code) noexcept : failure(code) {}
+    hresult_error(hresult code, hstring message) noexcept : failure(code), told(std::move(message)) {}
 
     /// The failing HRESULT.
-    hresult code() const noexcept { return code_; }
+    hresult code() const noexcept { return failure; }
 
     /// What the failing side said about it, else the system's text for the code, without spaces or line end behind it.
     /// Empty when the system has none.
     hstring message() const noexcept {
         try {
-            return message_.empty() ? systemMessage() : message_;
+            return told.empty() ? systemMessage() : told;
         } catch (...) {
             return {};
         }
@@ -61,7 +82,7 @@ private:
         wchar_t* text = nullptr;
         constexpr DWORD kFlags =
             FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
-        const DWORD length = FormatMessageW(kFlags, nullptr, static_cast<DWORD>(code_.value), 0,
+        const DWORD length = FormatMessageW(kFlags, nullptr, static_cast<DWORD>(failure.value), 0,
                                             reinterpret_cast<wchar_t*>(&text), 0, nullptr);
         struct Free {
             wchar_t* text;
@@ -75,8 +96,8 @@ private:
         return hstring(view);
     }
 
-    hresult code_;
-    hstring message_;
+    hresult failure;
+    hstring told;
 };
 
 // The failures that have a class of their own. As numbers, because not every compiler's headers name them all.
@@ -120,6 +141,26 @@ ZEMO_WINRT_ERRORS(ZEMO_WINRT_CLASS)
     }
 }
 #undef ZEMO_WINRT_ERRORS
+
+#ifdef CPPWINRT_VERSION
+/// For a program that has included the projection before: calls `call`, and raises its failure as the projection's own
+/// class for the same code. Any thread, inline; what else `call` raises or answers passes through.
+template <class Call>
+decltype(auto) raisedByProjection(Call&& call) {
+    try {
+        return std::forward<Call>(call)();
+    } catch (const hresult_error& error) {
+        ::winrt::throw_hresult(::winrt::hresult(error.code().value));
+    }
+}
+#endif
+
+}  // namespace ZEMO::Platform::WinRt
+// NOLINTEND(readability-identifier-naming)
+
+namespace winrt {
+
+using namespace ::ZEMO::Platform::WinRt;  // a name of the projection itself comes first
 
 }  // namespace winrt
 #endif

@@ -7,13 +7,13 @@
 
 namespace ZEMO::UI {
 
-void openExternalBrowser(std::string url, bool privateWindow) {
+void openOutsideGame(std::string url, bool privateWindow) {
     BrowserLaunchSettings settings{[] { return ZEMOMultiLayerManager::instance().getOpenExternalBrowserCallback(); },
                                    [] { return ZEMOMultiLayerManager::instance().hasSteamDeckKeyboardCallback(); }};
     if (privateWindow) {
-        openIncognitoExternalBrowser(std::move(url), std::move(settings));
+        launchIncognitoBrowser(std::move(url), std::move(settings));
     } else {
-        openExternalBrowser(std::move(url), std::move(settings));
+        launchBrowser(std::move(url), std::move(settings));
     }
 }
 

@@ -6,6 +6,6 @@ namespace ZEMO::UI {
 
 /// Opens `url` outside the game, on a detached thread of its own: first by the game's callback, else by the system.
 /// Throws std::system_error when the thread can't be started.
-void openExternalBrowser(std::string url, bool privateWindow);
+void openOutsideGame(std::string url, bool privateWindow);
 
 }  // namespace ZEMO::UI

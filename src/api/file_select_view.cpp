@@ -4,8 +4,8 @@
 
 #include "api/file_dialog.h"
 #include "core/detached_thread.h"
+#include "core/game_callback.h"
 #include "core/module_pin.h"
-#include "core/process_end.h"
 
 namespace ZEMO::UI {
 
@@ -24,9 +24,9 @@ void ZEMOFileSelectViewImpl::showAndWait() {
 
 void ZEMOFileSelectViewImpl::report(std::vector<std::filesystem::path> files) {
     std::unique_lock lock(access);
-    const auto receiver = delegate.lock();
+    const auto receiver = Core::unlessProcessEnds(delegate.lock());
     lock.unlock();
-    if (!receiver || Core::isProcessEnding()) return;  // what the game's delegate uses may be gone at the end
+    if (!receiver) return;
     if (files.empty())
         receiver->fileSelectCancelled();
     else

@@ -5,24 +5,11 @@
 #include "core/process_state.h"
 #include "engine/cef_module.h"
 #include "layers/layer_manager.h"
+#include "layers/main_window.h"
 #include "layers/xinput_switch.h"
 
 namespace ZEMO::UI {
 namespace {
-
-BOOL CALLBACK takeMainWindow(HWND hwnd, LPARAM result) {
-    DWORD owner = 0;
-    GetWindowThreadProcessId(hwnd, &owner);
-    if (owner != GetCurrentProcessId() || GetWindow(hwnd, GW_OWNER) || !IsWindowVisible(hwnd)) return TRUE;
-    *reinterpret_cast<HWND*>(result) = hwnd;
-    return FALSE;
-}
-
-HWND findMainWindow() {
-    HWND found = nullptr;
-    EnumWindows(&takeMainWindow, reinterpret_cast<LPARAM>(&found));
-    return found;
-}
 
 // The factory that serves local resources through the custom scheme is not part of this build yet.
 void registerCustomSchemeFactory() {}

@@ -6,10 +6,11 @@
 #include "api/file_select_view.h"
 #include "api/library_start.h"
 #include "api/zemo_web_view_window.h"
+#include "controller/remote_input.h"
+#include "core/posted_text.h"
 #include "core/process_state.h"
 #include "core/resource_paths.h"
 #include "layers/layer_manager.h"
-#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 #include "zemo/locale_setter.h"
 #include "zemo/ui.h"
@@ -18,6 +19,8 @@ namespace ZEMO::UI {
 namespace {
 
 ZEMOMultiLayerManager& manager() { return ZEMOMultiLayerManager::instance(); }
+
+uint32_t scanCodeOf(uint32_t virtualKey) { return MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC); }
 
 }  // namespace
 
@@ -43,9 +46,9 @@ std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog() { return std::
 
 std::filesystem::path getLocalHTMLResourcePath() { return Core::getLocalHtmlDirectory(); }
 
-void openBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), false); }
+void openBrowser(const ZEMO::Core::IURL& url) { openOutsideGame(url.getUrl(), false); }
 
-void openIncognitoBrowser(const ZEMO::Core::IURL& url) { openExternalBrowser(url.getUrl(), true); }
+void openIncognitoBrowser(const ZEMO::Core::IURL& url) { openOutsideGame(url.getUrl(), true); }
 
 void processSteamDeckKeyboardClose() { manager().processSteamDeckKeyboardClose(); }
 
@@ -55,13 +58,18 @@ void sendGameControllerCustomMsgData(const std::string& data) {
     const HWND foreground = GetForegroundWindow();
     if (!mainWindow || !foreground) return;  // every window without an owner would pass for an owned one
     if (foreground != mainWindow && GetWindow(foreground, GW_OWNER) != mainWindow) return;
-    postText(foreground, kMessageExternalScript, data);
+    Core::postText(foreground, kMessageExternalScript, data);
 }
 
 void sendGameControllerStatus(const std::string& statusJson) { manager().setGameControllerStatus(statusJson); }
 
-void sendUIRemoteInputEvent(const std::string& /*type*/, const std::string& /*action*/, const std::string& /*data*/,
-                            int /*x*/, int /*y*/) {}  // injected input is not part of this build yet
+void sendUIRemoteInputEvent(const std::string& type, const std::string& action, const std::string& data, int x, int y) {
+    const auto message = remoteInputMessage(type, action, data, x, y, scanCodeOf);  // a bad key throws, window or not
+    const HWND window = manager().getMainWindow();
+    if (!window) return;  // a post without a window would go to this thread's own queue
+    if (message) PostMessageW(window, message->message, message->wParam, message->lParam);
+    if (isRemoteText(type)) Core::postText(window, kMessageExternalText, data);
+}
 
 void setOpenGLSleepTime(unsigned int ms) { manager().setOpenGLSleepTime(ms); }
 

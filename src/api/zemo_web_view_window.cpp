@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controller/controller_scripts.h"
+#include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "layers/layer_manager.h"
 #include "layers/web/web_layer.h"
@@ -49,8 +50,7 @@ ZEMOWebViewWindow::~ZEMOWebViewWindow() {
     isClosed = true;
     if (Core::isProcessEnding()) {
         // A view in a static object of another module: the threads are gone, with whatever locks they held.
-        static auto& left = *std::make_unique<std::vector<std::shared_ptr<WebLayer>>>().release();
-        left.push_back(std::move(layer));
+        Core::leaveUndestroyed(std::move(layer));
         return;
     }
     if (displayMode == kModeLayer && layer) ZEMOMultiLayerManager::instance().removeLayer(layer);
@@ -58,6 +58,7 @@ ZEMOWebViewWindow::~ZEMOWebViewWindow() {
 }
 
 void ZEMOWebViewWindow::show() {
+    const auto keptAlive = weak_from_this().lock();  // the delegate may drop the view in its call
     isClosed = false;
     if (!layer) {
         createLayer();
@@ -73,6 +74,7 @@ void ZEMOWebViewWindow::createLayer() {
     const std::weak_ptr<ZEMOWebViewWindow> weakSelf = self;
     if (displayMode != kModeLayer && displayMode != kModeWindow) return;
 
+    manager.replaceLostMainWindow();
     WebLayer::Settings settings;
     settings.delegate = {self, self};
     settings.windowStyle = static_cast<WindowStyle>(displayMode);
@@ -127,11 +129,13 @@ void ZEMOWebViewWindow::notifyCloseRequested() {
 }
 
 void ZEMOWebViewWindow::showAndWait() {
+    const auto keptAlive = weak_from_this().lock();
     show();
     WaitForSingleObject(closeGate.get(), INFINITE);
 }
 
 void ZEMOWebViewWindow::close() {
+    const auto keptAlive = weak_from_this().lock();  // the delegate may drop the view in its call
     isClosed = true;
     if (displayMode == kModeLayer && layer) ZEMOMultiLayerManager::instance().removeLayer(layer);
     if (const auto delegate = viewDelegate.lock()) delegate->viewDidClose(this);

@@ -88,14 +88,14 @@ void openIncognitoBrowserProcedure(const std::string& url) {
     openDirectly(url);
 }
 
-void openExternalBrowser(std::string url, BrowserLaunchSettings settings) {
+void launchBrowser(std::string url, BrowserLaunchSettings settings) {
     Core::pinOwnModule();
     Core::runDetached([url = std::move(url), settings = std::move(settings)] {
         if (!gameTakesOver(url, settings)) openBrowserProcedure(url, settings);
     });
 }
 
-void openIncognitoExternalBrowser(std::string url, BrowserLaunchSettings settings) {
+void launchIncognitoBrowser(std::string url, BrowserLaunchSettings settings) {
     Core::pinOwnModule();
     Core::runDetached([url = std::move(url), settings = std::move(settings)] {
         if (!gameTakesOver(url, settings)) openIncognitoBrowserProcedure(url);

@@ -21,10 +21,10 @@ struct BrowserLaunchSettings {
 /// Opens `url` on a new detached thread and returns at once. The game's callback is called on that thread; unless it
 /// answers true, the default browser opens the address. Any thread. Throws std::system_error if no thread can be
 /// started; nothing else is ever reported.
-void openExternalBrowser(std::string url, BrowserLaunchSettings settings);
+void launchBrowser(std::string url, BrowserLaunchSettings settings);
 
 /// The same for a private window, or for an ordinary one where the browser has no private mode.
-void openIncognitoExternalBrowser(std::string url, BrowserLaunchSettings settings);
+void launchIncognitoBrowser(std::string url, BrowserLaunchSettings settings);
 
 /// The work behind the game's callback, on the calling thread. The ordinary one may wait for the loopback responder.
 void openBrowserProcedure(const std::string& url, const BrowserLaunchSettings& settings);

@@ -1,16 +1,15 @@
 // The way out of a process, for the one instance behind instance():
 //
 // 1. The constructor pins this module before it starts the worker, so FreeLibrary never unmaps the worker's code and
-// never runs the destructor:
-//    it could not wait there, since a thread's end needs the loader's lock that an unload holds.
+//    never runs the destructor: it could not wait there, since a thread's end needs the loader's lock, which an unload
+//    holds.
 // 2. A return from main, exit or ExitProcess on any thread first ends every other thread, the worker too, whatever it
 //    waits in (select, or recv of a client that sends nothing). Its handle is signalled from then on.
-// 3. Only then are the module's static objects destroyed, still under the loader's lock: running goes false, the worker
-// has
-//    nothing left to be joined and its thread object is let go unwaited (the thread library's own locks may have been
-//    held by a thread that was ended, as may requestsMutex, which is not taken either), so are the requests, which such
-//    a thread may have left half changed, the listening socket is closed, Winsock is given back (its library goes after
-//    this one, because this one imports it).
+// 3. Only then are the module's static objects destroyed, still under the loader's lock. running goes false. The
+//    worker's thread object is let go unwaited: nothing is left to be joined, and the thread library's own locks may
+//    have been held by a thread that was ended. So may requestsMutex, which is not taken either; the requests, which
+//    such a thread may have left half changed, are let go as they are. The listening socket is closed, Winsock given
+//    back (its library goes after this one, because this one imports it).
 // 4. TerminateProcess runs none of this; the system closes the socket.
 //
 // An instance of a test, or one linked into a program without the library, is destroyed with its worker alive: the join
@@ -23,14 +22,16 @@
 
 #include <chrono>
 #include <cstddef>
-#include <new>
 #include <random>
+#include <system_error>
 #include <utility>
 
 #include "browser/loopback_request.h"
 #include "core/module_pin.h"
+#include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "core/singleton.h"
+#include "core/unique_socket.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -43,13 +44,6 @@ std::int64_t nowInTicks() {
     return std::chrono::duration_cast<Ticks>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
-// Keeps what a thread that the system has ended may have been at work on: neither joined nor destroyed.
-template <class T>
-void abandon(T left) {
-    alignas(T) static std::byte kept[sizeof(T)];
-    new (kept) T(std::move(left));
-}
-
 }  // namespace
 
 LoopbackHttpManager* LoopbackHttpManager::instance() { return &Core::Singleton<LoopbackHttpManager>::instance(); }
@@ -59,14 +53,18 @@ LoopbackHttpManager::LoopbackHttpManager() : readyFuture(readyPromise.get_future
     WSAStartup(MAKEWORD(2, 2), &data);
     Core::pinOwnModule();
     running = true;
-    workerThread = std::thread(&LoopbackHttpManager::run, this);
+    try {
+        workerThread = std::thread(&LoopbackHttpManager::run, this);
+    } catch (const std::system_error&) {
+        // As with any other failed step of the set-up: never ready, and the game goes on.
+    }
 }
 
 LoopbackHttpManager::~LoopbackHttpManager() {
     running = false;
     if (Core::isProcessEnding()) {
-        abandon(std::move(workerThread));
-        abandon(std::move(requests));
+        Core::leaveUndestroyed(std::move(workerThread));
+        Core::leaveUndestroyed(std::move(requests));
     } else if (workerThread.joinable()) {
         workerThread.join();
     }
@@ -136,9 +134,9 @@ void LoopbackHttpManager::run() {
         const timeval timeout{0, kSelectTimeoutMicroseconds};
         const int ready = select(0, &readable, nullptr, nullptr, &timeout);
         if (ready == 0) continue;
-        const SOCKET client = ready > 0 ? accept(listener, nullptr, nullptr) : INVALID_SOCKET;
-        if (client != INVALID_SOCKET) {
-            handleClient(client);
+        const Core::UniqueSocket client(ready > 0 ? accept(listener, nullptr, nullptr) : INVALID_SOCKET);
+        if (client) {
+            handleClient(client.get());
         } else {
             // Such as a socket library that another module gave back once too often: it must not cost a core.
             std::this_thread::sleep_for(std::chrono::microseconds(kSelectTimeoutMicroseconds));
@@ -153,7 +151,6 @@ void LoopbackHttpManager::handleClient(SOCKET client) {
         const std::string response = answerTo(std::string_view(received, static_cast<std::size_t>(size)));
         send(client, response.data(), static_cast<int>(response.size()), 0);
     }
-    closesocket(client);
 }
 
 std::string LoopbackHttpManager::answerTo(std::string_view received) {

@@ -13,27 +13,41 @@ namespace {
 
 constexpr DWORD kPathBufferSize = 260;
 
-}  // namespace
-
-bool getOwnModulePath(wchar_t* buffer, DWORD size) {
+bool findOwnModulePath(wchar_t* buffer, DWORD size, Failures failures) {
+    const auto failed = [failures](const char* what) {
+        if (failures == Failures::Logged) logDebugA("%s: %lu", what, GetLastError());
+        return false;
+    };
     HMODULE module = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                             reinterpret_cast<const wchar_t*>(&getOwnModulePath), &module)) {
-        logDebugA("GetModuleHandleEx failed: %lu", GetLastError());
-        return false;
+        return failed("GetModuleHandleEx failed");
     }
     const DWORD length = GetModuleFileNameW(module, buffer, size);
-    if (length == 0 || length == size) {
-        logDebugA("GetModuleFileNameW failed or truncated: %lu", GetLastError());
-        return false;
-    }
-    return true;
+    return (length != 0 && length != size) || failed("GetModuleFileNameW failed or truncated");
 }
 
-std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size) {
-    if (!getOwnModulePath(buffer, size)) {
+}  // namespace
+
+bool getOwnModulePath(wchar_t* buffer, DWORD size) { return findOwnModulePath(buffer, size, Failures::Logged); }
+
+std::wstring libraryBaseDirectory(Failures failures) {
+    wchar_t buffer[kPathBufferSize] = {};
+    if (!findOwnModulePath(buffer, kPathBufferSize, failures)) {
+        if (GetModuleFileNameW(nullptr, buffer, kPathBufferSize) == 0) buffer[0] = L'\0';
+    }
+    std::wstring directory = buffer;
+    if (const size_t separator = directory.find_last_of(L"\\/"); separator != std::wstring::npos) {
+        directory.resize(separator);
+    }
+    return directory;
+}
+
+std::wstring getOwnModuleDirectory() {
+    wchar_t buffer[kPathBufferSize] = {};
+    if (!getOwnModulePath(buffer, kPathBufferSize)) {
         logDebugA("getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)");
-        if (GetModuleFileNameW(nullptr, buffer, size) == 0) {
+        if (GetModuleFileNameW(nullptr, buffer, kPathBufferSize) == 0) {
             logDebugA("Fallback GetModuleFileName(NULL, ...) failed. Error: %lu", GetLastError());
             return {};
         }
@@ -41,11 +55,6 @@ std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size) {
     std::wstring directory = std::filesystem::path(buffer).parent_path().wstring();
     if (directory.empty()) logDebugA("Failed to get parent path from module path.");
     return directory;
-}
-
-std::wstring getOwnModuleDirectory() {
-    wchar_t buffer[kPathBufferSize] = {};
-    return moduleDirectoryThrough(buffer, kPathBufferSize);
 }
 
 std::wstring resolveModuleRelativePath(const std::wstring& relativePath) {

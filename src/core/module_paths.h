@@ -14,12 +14,17 @@ namespace ZEMO::Core {
 /// with its NUL; the buffer then holds what did fit.
 bool getOwnModulePath(wchar_t* buffer, DWORD size);
 
-/// Directory of the library file, or of the game's executable when the former is unknown; empty when both are.
-std::wstring getOwnModuleDirectory();
+/// Whether a function says in the log what went wrong.
+enum class Failures { Logged, Silent };
 
-/// getOwnModuleDirectory through a zeroed buffer of the caller's. A path of `size` characters or more does not fit: the
-/// executable's path, cut to the buffer if need be, stands in.
-std::wstring moduleDirectoryThrough(wchar_t* buffer, DWORD size);
+/// The base of what the engine, pages and cursors are looked for in: the path of the library's file, or of the game's
+/// executable when the former is unknown or has 260 characters and more, before its last separator of either kind,
+/// which is cut off ("C:" for a file in the root). Unlike getOwnModuleDirectory it has no word of its own for the log.
+std::wstring libraryBaseDirectory(Failures failures = Failures::Logged);
+
+/// Directory of the library file, or of the game's executable when the former is unknown or has 260 characters and
+/// more; empty when both are.
+std::wstring getOwnModuleDirectory();
 
 /// `relativePath` against the library's directory, lexically normal; empty when the directory is unknown.
 std::wstring resolveModuleRelativePath(const std::wstring& relativePath);

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/module_pin.h"
+#include "core/never_destroyed.h"
 #include "zemo/platform.h"
 
 // A text for another process: ipcSend() sends it as WM_COPYDATA to a window of the receiver, and a hook that ipcOpen()
@@ -27,19 +29,14 @@ namespace {
 
 constexpr size_t kBlockBytes = 10000;
 
-union Undying {
-    std::function<void(std::string)> function;
-    Undying() : function() {}
-    ~Undying() {}
-};
-Undying ipcCallback;
+Core::NeverDestroyed<std::function<void(std::string)>> ipcCallback;
 
 LRESULT CALLBACK onMessageSent(int code, WPARAM wParam, LPARAM lParam) {
     const auto* sent = reinterpret_cast<const CWPSTRUCT*>(lParam);
     if (code >= 0 && sent->message == WM_COPYDATA) {
         OutputDebugStringA("################   Copy Data Called ##############################\n");
         const auto* block = reinterpret_cast<const COPYDATASTRUCT*>(sent->lParam);
-        if (block && ipcCallback.function) ipcCallback.function(Core::textOfBlock(*block));
+        if (block && *ipcCallback) (*ipcCallback)(Core::textOfBlock(*block));
     }
     return CallNextHookEx(Core::g_ZEMOWndHook, code, wParam, lParam);
 }
@@ -67,10 +64,8 @@ void logWhat(const std::exception& error) {
 
 void ipcOpen(std::function<void(std::string)> callback) {
     if (Core::g_ZEMOWndHook) return;
-    if (callback) ipcCallback.function = std::move(callback);
-    HMODULE self = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
-                       reinterpret_cast<const wchar_t*>(&onMessageSent), &self);
+    if (callback) *ipcCallback = std::move(callback);
+    Core::pinOwnModule();
     Core::g_ZEMOWndHook = SetWindowsHookExA(WH_CALLWNDPROC, onMessageSent, nullptr, GetCurrentThreadId());
     OutputDebugStringA("################       g_ZEMOWndHook is NULL ##############################\n");
 }

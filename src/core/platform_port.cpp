@@ -1,57 +1,63 @@
-#include "core/platform_port.h"
+#include <winsock2.h>
+
+#include <windows.h>
 
 #include <cstdio>
+#include <string>
 
+#include "core/unique_socket.h"
 #include "zemo/platform.h"
 
-namespace ZEMO::Core {
+namespace ZEMO::Platform::Misc {
+namespace {
 
-std::string findFreePort(const PortCalls& calls) {
-    WSADATA data{};
-    if (calls.startup(MAKEWORD(2, 2), &data) != 0) {
-        OutputDebugStringA("GetDynamicPort: WSAStartup failed\n");
-        return {};
+/// A use of the socket library; the system counts them.
+class SocketLibrary {
+public:
+    SocketLibrary() {
+        WSADATA data{};
+        started = WSAStartup(MAKEWORD(2, 2), &data) == 0;
     }
-    struct Cleanup {
-        const PortCalls& calls;
-        ~Cleanup() { calls.cleanup(); }
-    };
+    ~SocketLibrary() {
+        if (started) WSACleanup();
+    }
+    SocketLibrary(const SocketLibrary&) = delete;
+    SocketLibrary& operator=(const SocketLibrary&) = delete;
+
+    explicit operator bool() const { return started; }
+
+private:
+    bool started = false;
+};
+
+std::string failed(const char* step) {
+    OutputDebugStringA(("GetDynamicPort: " + std::string(step) + " failed\n").c_str());
+    return {};
+}
+
+std::string findFreePort() {
+    const SocketLibrary library;
+    if (!library) return failed("WSAStartup");
+    const Core::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    if (!socket) return failed("socket()");
     sockaddr_in address{};
-    {
-        const Cleanup cleanup{calls};
-        const SOCKET handle = calls.open(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-        if (handle == INVALID_SOCKET) {
-            OutputDebugStringA("GetDynamicPort: socket() failed\n");
-            return {};
-        }
-        struct Close {
-            const PortCalls& calls;
-            SOCKET handle;
-            ~Close() { calls.close(handle); }
-        } const close{calls, handle};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = 0;
-        if (calls.bindTo(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-            OutputDebugStringA("GetDynamicPort: bind(0) failed\n");
-            return {};
-        }
-        int size = sizeof address;
-        if (calls.name(handle, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-            OutputDebugStringA("GetDynamicPort: getsockname() failed\n");
-            return {};
-        }
-    }
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = 0;
+    if (bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return failed("bind(0)");
+    int size = sizeof address;
+    if (getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) return failed("getsockname()");
     char port[16];
     std::snprintf(port, sizeof port, "%d", static_cast<int>(ntohs(address.sin_port)));
-    OutputDebugStringA(("GetDynamicPort: success. port=" + std::string(port) + "\n").c_str());
     return port;
 }
 
-}  // namespace ZEMO::Core
+}  // namespace
 
-namespace ZEMO::Platform::Misc {
-
-std::string GetDynamicPort() { return Core::findFreePort({}); }
+std::string GetDynamicPort() {
+    std::string port = findFreePort();
+    if (!port.empty()) OutputDebugStringA(("GetDynamicPort: success. port=" + port + "\n").c_str());
+    return port;
+}
 
 }  // namespace ZEMO::Platform::Misc

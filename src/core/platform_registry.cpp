@@ -6,19 +6,16 @@
 namespace ZEMO::Core {
 
 MachineKey::MachineKey(const wchar_t* path) {
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &key_) != ERROR_SUCCESS) key_ = nullptr;
-}
-
-MachineKey::~MachineKey() {
-    if (key_) RegCloseKey(key_);
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &opened) == ERROR_SUCCESS) key.reset(opened);
 }
 
 std::optional<std::wstring> MachineKey::text(const wchar_t* name) const {
-    if (!key_) return {};
+    if (!key) return {};
     std::wstring buffer(128, L'\0');
     for (;;) {
         DWORD bytes = static_cast<DWORD>(buffer.size() * sizeof(wchar_t));
-        const LSTATUS status = RegGetValueW(key_, nullptr, name, RRF_RT_REG_SZ, nullptr, buffer.data(), &bytes);
+        const LSTATUS status = RegGetValueW(key.get(), nullptr, name, RRF_RT_REG_SZ, nullptr, buffer.data(), &bytes);
         if (status == ERROR_MORE_DATA) {  // also when it grew between two looks
             buffer.resize(buffer.size() * 2 + bytes / sizeof(wchar_t));
             continue;
@@ -31,7 +28,7 @@ std::optional<std::wstring> MachineKey::text(const wchar_t* name) const {
 std::optional<DWORD> MachineKey::number(const wchar_t* name) const {
     DWORD value = 0;
     DWORD bytes = sizeof value;
-    if (!key_ || RegGetValueW(key_, nullptr, name, RRF_RT_REG_DWORD, nullptr, &value, &bytes) != ERROR_SUCCESS) {
+    if (!key || RegGetValueW(key.get(), nullptr, name, RRF_RT_REG_DWORD, nullptr, &value, &bytes) != ERROR_SUCCESS) {
         return {};
     }
     return value;

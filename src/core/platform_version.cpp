@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/platform_registry.h"
+#include "core/system_function.h"
 #include "zemo/platform.h"
 
 // Version numbers of the system and of the process's executable.
@@ -31,9 +32,7 @@ std::optional<VS_FIXEDFILEINFO> rootBlock(const std::vector<char>& resource) {
 
 // GetVersionEx answers by the manifest of the game's executable; this one answers with the truth.
 std::string trueSystemVersion() {
-    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-    using GetVersionCall = LONG(WINAPI*)(OSVERSIONINFOW*);
-    const auto getVersion = ntdll ? reinterpret_cast<GetVersionCall>(GetProcAddress(ntdll, "RtlGetVersion")) : nullptr;
+    const auto getVersion = Core::ntdllFunction<LONG WINAPI(OSVERSIONINFOW*)>("RtlGetVersion");
     if (!getVersion) return {};
     static_assert(sizeof(OSVERSIONINFOW) == 276);
     OSVERSIONINFOW version{};

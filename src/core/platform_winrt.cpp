@@ -3,10 +3,11 @@
 
 #include "core/platform_state.h"
 #include "zemo/platform.h"
+#include "zemo/winrt_error.h"
 
 // The user's identifier, region and language by the Windows Runtime. Two builds of one behaviour: with the C++
-// projection where the compiler has it, else over the plain binary interface.
-#if __has_include(<winrt/base.h>)
+// projection where its classes are what the library raises, else over the plain binary interface.
+#if ZEMO_WINRT_PROJECTION
 
 #include <winrt/Windows.Foundation.Collections.h>
 #include <winrt/Windows.Globalization.h>
@@ -55,7 +56,7 @@ using ABI::Windows::Globalization::ILanguage;
 using ABI::Windows::Globalization::ILanguageFactory;
 using ABI::Windows::System::UserProfile::IAdvertisingManagerStatics;
 using ABI::Windows::System::UserProfile::IGlobalizationPreferencesStatics;
-using Core::adoptRuntime;
+using Core::adoptCom;
 using Core::checkRuntime;
 using Core::RuntimeFactory;
 using Core::RuntimeString;
@@ -74,10 +75,10 @@ std::string advertisingId() {
 std::string countryCode() {
     IInspectable* rawInstance = nullptr;
     checkRuntime(regionFactory.get()->ActivateInstance(&rawInstance));
-    const auto instance = adoptRuntime(rawInstance);
+    const auto instance = adoptCom(rawInstance);
     IGeographicRegion* rawRegion = nullptr;
     checkRuntime(instance->QueryInterface(__uuidof(IGeographicRegion), reinterpret_cast<void**>(&rawRegion)));
-    const auto region = adoptRuntime(rawRegion);
+    const auto region = adoptCom(rawRegion);
     RuntimeString code;
     checkRuntime(region->get_CodeTwoLetter(code.out()));
     return code.utf8();
@@ -86,12 +87,12 @@ std::string countryCode() {
 std::string languageTag() {
     IVectorView<HSTRING>* rawLanguages = nullptr;
     checkRuntime(preferences.get()->get_Languages(&rawLanguages));
-    const auto languages = adoptRuntime(rawLanguages);
+    const auto languages = adoptCom(rawLanguages);
     RuntimeString first;
     checkRuntime(languages->GetAt(0, first.out()));
     ILanguage* rawLanguage = nullptr;
     checkRuntime(languageFactory.get()->CreateLanguage(first.get(), &rawLanguage));
-    const auto language = adoptRuntime(rawLanguage);
+    const auto language = adoptCom(rawLanguage);
     RuntimeString tag;
     checkRuntime(language->get_LanguageTag(tag.out()));
     return tag.utf8();

@@ -1,6 +1,6 @@
 #include "core/platform_winrt_activation.h"
 
-#if !__has_include(<winrt/base.h>)
+#if !ZEMO_WINRT_PROJECTION
 
 #include <windows.h>
 
@@ -11,6 +11,10 @@
 
 #include <algorithm>
 #include <string_view>
+
+#include "core/com_text.h"
+#include "core/system_function.h"
+#include "core/unique_handle.h"
 
 // The interface by which the runtime's classes say more about a failure; not every compiler has its header.
 MIDL_INTERFACE("82BA7092-4C88-427D-A7BC-16DD93FEB67E")
@@ -24,64 +28,49 @@ __CRT_UUID_DECL(IZemoRestrictedErrorInfo, 0x82BA7092, 0x4C88, 0x427D, 0xA7, 0xBC
 namespace ZEMO::Core {
 namespace {
 
-template <class Call>
-Call* find(HMODULE module, const char* name) {
-    return module ? reinterpret_cast<Call*>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
-}
-
 struct Runtime {
     const HMODULE combase = LoadLibraryExW(L"combase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     const decltype(&::RoGetActivationFactory) getFactory =
-        find<decltype(::RoGetActivationFactory)>(combase, "RoGetActivationFactory");
+        systemFunction<decltype(::RoGetActivationFactory)>(combase, "RoGetActivationFactory");
     const decltype(&::WindowsCreateString) createString =
-        find<decltype(::WindowsCreateString)>(combase, "WindowsCreateString");
+        systemFunction<decltype(::WindowsCreateString)>(combase, "WindowsCreateString");
     const decltype(&::WindowsDeleteString) deleteString =
-        find<decltype(::WindowsDeleteString)>(combase, "WindowsDeleteString");
+        systemFunction<decltype(::WindowsDeleteString)>(combase, "WindowsDeleteString");
     const decltype(&::WindowsGetStringRawBuffer) buffer =
-        find<decltype(::WindowsGetStringRawBuffer)>(combase, "WindowsGetStringRawBuffer");
-    HRESULT(WINAPI* const increaseMtaUsage)(void** cookie) = find<HRESULT WINAPI(void**)>(combase,
-                                                                                          "CoIncrementMTAUsage");
+        systemFunction<decltype(::WindowsGetStringRawBuffer)>(combase, "WindowsGetStringRawBuffer");
+    HRESULT(WINAPI* const increaseMtaUsage)(void** cookie) =
+        systemFunction<HRESULT WINAPI(void**)>(combase, "CoIncrementMTAUsage");
     const bool usable = getFactory && createString && deleteString && buffer;
 };
 
 const Runtime& runtime() {
     static const Runtime calls;
-    if (!calls.usable) winrt::throw_hresult(HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
+    if (!calls.usable) ZEMO::Platform::WinRt::throw_hresult(HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
     return calls;
 }
 
-struct Text {
-    BSTR value = nullptr;
-    Text() = default;
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-    ~Text() { SysFreeString(value); }
-    std::wstring trimmed() const {
-        std::wstring text(value ? value : L"", SysStringLen(value));
-        text.erase(std::find_if_not(text.rbegin(), text.rend(), [](wchar_t c) { return iswspace(c); }).base(),
-                   text.end());
-        return text;
-    }
-};
+std::wstring trimmed(std::wstring text) {
+    text.erase(std::find_if_not(text.rbegin(), text.rend(), [](wchar_t c) { return iswspace(c); }).base(), text.end());
+    return text;
+}
 
 /// What the failing side said, if it spoke of this very failure. Takes it off the thread.
 std::wstring toldMessage(HRESULT result) {
     IErrorInfo* rawInfo = nullptr;
     if (GetErrorInfo(0, &rawInfo) != S_OK) return {};
-    const auto info = adoptRuntime(rawInfo);
+    const auto info = adoptCom(rawInfo);
     IZemoRestrictedErrorInfo* rawRestricted = nullptr;
     if (FAILED(info->QueryInterface(__uuidof(IZemoRestrictedErrorInfo), reinterpret_cast<void**>(&rawRestricted)))) {
         return {};
     }
-    const auto restricted = adoptRuntime(rawRestricted);
+    const auto restricted = adoptCom(rawRestricted);
     HRESULT told = S_OK;
-    Text description, restrictedDescription, capability;
-    if (FAILED(
-            restricted->GetErrorDetails(&description.value, &told, &restrictedDescription.value, &capability.value)) ||
+    ComText description, restrictedDescription, capability;
+    if (FAILED(restricted->GetErrorDetails(description.out(), &told, restrictedDescription.out(), capability.out())) ||
         told != result) {
         return {};
     }
-    return restrictedDescription.value ? restrictedDescription.trimmed() : description.trimmed();
+    return trimmed(restrictedDescription ? restrictedDescription.text() : description.text());
 }
 
 /// Registration-free activation: "A.B.C" may live in A.B.dll or A.dll. False when none has the class.
@@ -90,15 +79,16 @@ bool factoryOfNamedDll(const wchar_t* className, HSTRING name, REFIID interfaceI
     std::wstring path = className;
     for (size_t dot = path.rfind(L'.'); dot != std::wstring::npos; dot = path.rfind(L'.')) {
         path.resize(dot);
-        const HMODULE library = LoadLibraryExW((path + L".dll").c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-        if (!library) continue;
-        const auto getFactory = find<GetFactory>(library, "DllGetActivationFactory");
+        UniqueModule library(LoadLibraryExW((path + L".dll").c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
+        const auto getFactory = systemFunction<GetFactory>(library.get(), "DllGetActivationFactory");
         IActivationFactory* raw = nullptr;
         if (getFactory && SUCCEEDED(getFactory(name, &raw)) && raw) {
-            const auto found = adoptRuntime(raw);
-            if (SUCCEEDED(found->QueryInterface(interfaceId, factory))) return true;  // its library stays loaded
+            const auto found = adoptCom(raw);
+            if (SUCCEEDED(found->QueryInterface(interfaceId, factory))) {
+                static_cast<void>(library.release());  // it stays loaded
+                return true;
+            }
         }
-        FreeLibrary(library);
     }
     return false;
 }
@@ -106,20 +96,20 @@ bool factoryOfNamedDll(const wchar_t* className, HSTRING name, REFIID interfaceI
 }  // namespace
 
 void checkRuntime(HRESULT result) {
-    if (FAILED(result)) winrt::throw_hresult(result, toldMessage(result));
+    if (FAILED(result)) ZEMO::Platform::WinRt::throw_hresult(result, toldMessage(result));
 }
 
 RuntimeString::RuntimeString(const std::wstring& text) {
-    checkRuntime(runtime().createString(text.c_str(), static_cast<UINT32>(text.size()), &value_));
+    checkRuntime(runtime().createString(text.c_str(), static_cast<UINT32>(text.size()), &value));
 }
 
 RuntimeString::~RuntimeString() {
-    if (value_) runtime().deleteString(value_);
+    if (value) runtime().deleteString(value);
 }
 
 std::string RuntimeString::utf8() const {
     UINT32 length = 0;
-    const wchar_t* text = runtime().buffer(value_, &length);
+    const wchar_t* text = runtime().buffer(value, &length);
     const int units = static_cast<int>(length);
     const int bytes = WideCharToMultiByte(CP_UTF8, 0, text, units, nullptr, 0, nullptr, nullptr);
     std::string result(bytes > 0 ? static_cast<size_t>(bytes) : 0, '\0');
@@ -139,13 +129,13 @@ void activationFactory(const wchar_t* className, REFIID interfaceId, void** fact
     if (SUCCEEDED(result)) return;
     const std::wstring message = toldMessage(result);
     if (factoryOfNamedDll(className, name.get(), interfaceId, factory)) return;
-    winrt::throw_hresult(result, message);
+    ZEMO::Platform::WinRt::throw_hresult(result, message);
 }
 
 bool isAgile(IUnknown* object) {
     IUnknown* agile = nullptr;
     const HRESULT result = object->QueryInterface(__uuidof(IAgileObject), reinterpret_cast<void**>(&agile));
-    adoptRuntime(agile);
+    adoptCom(agile);
     return SUCCEEDED(result);
 }
 

@@ -2,9 +2,9 @@
 
 #include "zemo/winrt_error.h"
 
-// The Windows Runtime by its plain binary interface, for compilers without the C++ projection: activation, strings and
+// The Windows Runtime by its plain binary interface, for builds without the C++ projection: activation, strings and
 // errors as the projection treats them. Nothing is linked: combase.dll is looked up when first used.
-#if !__has_include(<winrt/base.h>)
+#if !ZEMO_WINRT_PROJECTION
 
 #include <winstring.h>
 
@@ -12,17 +12,12 @@
 #include <memory>
 #include <string>
 
+#include "core/com_pointer.h"
+
 namespace ZEMO::Core {
 
 /// Raises the exception for a failing HRESULT, with what the failing side told this thread about it.
 void checkRuntime(HRESULT result);
-
-template <class Interface>
-std::shared_ptr<Interface> adoptRuntime(Interface* object) {
-    return {object, [](Interface* p) {
-                if (p) p->Release();
-            }};
-}
 
 /// Owns a string of the runtime.
 class RuntimeString {
@@ -33,14 +28,14 @@ public:
     RuntimeString(const RuntimeString&) = delete;
     RuntimeString& operator=(const RuntimeString&) = delete;
 
-    HSTRING get() const { return value_; }
+    HSTRING get() const { return value; }
     /// For a call that fills it; only while it is empty.
-    HSTRING* out() { return &value_; }
+    HSTRING* out() { return &value; }
     /// UTF-8; what is no valid UTF-16 is replaced by the system.
     std::string utf8() const;
 
 private:
-    HSTRING value_ = nullptr;
+    HSTRING value = nullptr;
 };
 
 /// The activation factory of a class, by the system's registration, else by a DLL named after a part of the class's
@@ -59,20 +54,20 @@ void pinServer(IUnknown* object);
 template <class Factory>
 class RuntimeFactory {
 public:
-    explicit constexpr RuntimeFactory(const wchar_t* className) : className_(className) {}
+    explicit constexpr RuntimeFactory(const wchar_t* className) : className(className) {}
     RuntimeFactory(const RuntimeFactory&) = delete;
     RuntimeFactory& operator=(const RuntimeFactory&) = delete;
 
     std::shared_ptr<Factory> get() {
-        if (Factory* kept = kept_.load(std::memory_order_acquire)) {
-            kept->AddRef();
-            return adoptRuntime(kept);
+        if (Factory* ready = kept.load(std::memory_order_acquire)) {
+            ready->AddRef();
+            return adoptCom(ready);
         }
         Factory* raw = nullptr;
-        activationFactory(className_, __uuidof(Factory), reinterpret_cast<void**>(&raw));
-        auto factory = adoptRuntime(raw);
+        activationFactory(className, __uuidof(Factory), reinterpret_cast<void**>(&raw));
+        auto factory = adoptCom(raw);
         Factory* none = nullptr;
-        if (isAgile(raw) && kept_.compare_exchange_strong(none, raw, std::memory_order_acq_rel)) {
+        if (isAgile(raw) && kept.compare_exchange_strong(none, raw, std::memory_order_acq_rel)) {
             raw->AddRef();  // never given back: when the process ends, COM is gone first
             pinServer(raw);
         }
@@ -80,8 +75,8 @@ public:
     }
 
 private:
-    const wchar_t* const className_;
-    std::atomic<Factory*> kept_{nullptr};
+    const wchar_t* const className;
+    std::atomic<Factory*> kept{nullptr};
 };
 
 }  // namespace ZEMO::Core

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "core/com_pointer.h"
+#include "core/com_text.h"
 #include "core/platform_state.h"
 #include "core/platform_text.h"
 #include "zemo/platform.h"
@@ -37,34 +39,19 @@ struct Apartment {
     }
 };
 
-template <class Interface>
-std::shared_ptr<Interface> adopt(Interface* object) {
-    return {object, [](Interface* p) {
-                if (p) p->Release();
-            }};
-}
-
-struct Text {
-    const BSTR value;
-    explicit Text(const wchar_t* text) : value(SysAllocString(text)) {}
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-    ~Text() { SysFreeString(value); }
-};
-
 std::shared_ptr<IWbemServices> connect(const wchar_t* nameSpace, DWORD capabilities) {
     IWbemLocator* rawLocator = nullptr;
     if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
                                 reinterpret_cast<void**>(&rawLocator)))) {
         return {};
     }
-    const auto locator = adopt(rawLocator);
+    const auto locator = Core::adoptCom(rawLocator);
     IWbemServices* rawServices = nullptr;
-    if (FAILED(locator->ConnectServer(Text(nameSpace).value, nullptr, nullptr, nullptr, 0, nullptr, nullptr,
+    if (FAILED(locator->ConnectServer(Core::ComText(nameSpace).get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
                                       &rawServices))) {
         return {};
     }
-    auto services = adopt(rawServices);
+    auto services = Core::adoptCom(rawServices);
     if (FAILED(CoSetProxyBlanket(services.get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
                                  RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, capabilities))) {
         return {};
@@ -74,15 +61,16 @@ std::shared_ptr<IWbemServices> connect(const wchar_t* nameSpace, DWORD capabilit
 
 std::shared_ptr<IEnumWbemClassObject> query(IWbemServices& services, const wchar_t* text, long flags) {
     IEnumWbemClassObject* objects = nullptr;
-    if (FAILED(services.ExecQuery(Text(L"WQL").value, Text(text).value, flags, nullptr, &objects))) return {};
-    return adopt(objects);
+    if (FAILED(services.ExecQuery(Core::ComText(L"WQL").get(), Core::ComText(text).get(), flags, nullptr, &objects)))
+        return {};
+    return Core::adoptCom(objects);
 }
 
 std::shared_ptr<IWbemClassObject> next(IEnumWbemClassObject& objects) {
     IWbemClassObject* object = nullptr;
     ULONG count = 0;
     if (FAILED(objects.Next(WBEM_INFINITE, 1, &object, &count)) || count == 0) return {};
-    return adopt(object);
+    return Core::adoptCom(object);
 }
 
 /// The text of a property; nothing when it can't be read or is no text.

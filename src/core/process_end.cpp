@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "core/system_function.h"
+
 namespace ZEMO::Core {
 namespace {
 
@@ -12,9 +14,7 @@ std::atomic<bool> endMarked = false;
 }  // namespace
 
 bool isShutdownInProgress() {
-    using ShutdownInProgress = BOOLEAN(WINAPI*)();
-    static const auto shutdownInProgress = reinterpret_cast<ShutdownInProgress>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
+    static const auto shutdownInProgress = ntdllFunction<BOOLEAN WINAPI()>("RtlDllShutdownInProgress");
     return shutdownInProgress && shutdownInProgress();
 }
 
@@ -25,10 +25,7 @@ void markProcessEnding() { endMarked = true; }
 // The process's own list, which the program's runtime runs: a plain atexit of a library goes to the library's list,
 // which is run when the loader unloads it, far too late.
 bool callAtExit(void(__cdecl* hook)()) {
-    using AtExit = int(__cdecl*)(void(__cdecl*)());
-    const HMODULE runtime = GetModuleHandleW(L"ucrtbase.dll");
-    const auto atExit =
-        reinterpret_cast<AtExit>(reinterpret_cast<void*>(runtime ? GetProcAddress(runtime, "_crt_atexit") : nullptr));
+    const auto atExit = systemFunction<int __cdecl(void(__cdecl*)())>(GetModuleHandleW(L"ucrtbase.dll"), "_crt_atexit");
     return atExit && atExit(hook) == 0;
 }
 

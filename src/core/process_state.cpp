@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "core/game_callback.h"
+
 namespace ZEMO::UI {
 
 namespace {
@@ -25,9 +27,11 @@ void setExternalTsfImeUsed(bool used) { useExternalTsfIme = used; }
 bool isPasswordFieldFocused() { return passwordFieldFocused; }
 void setPasswordFieldFocused(bool focused) { passwordFieldFocused = focused; }
 
-ImeEventCallback getImeEventCallback() { return imeEventCallback; }
+ImeEventCallback getImeEventCallback() { return Core::unlessProcessEnds(imeEventCallback.load()); }
 void setImeEventCallback(ImeEventCallback callback) { imeEventCallback = callback; }
-ImeCompositionBoundsCallback getImeCompositionBoundsCallback() { return imeCompositionBoundsCallback; }
+ImeCompositionBoundsCallback getImeCompositionBoundsCallback() {
+    return Core::unlessProcessEnds(imeCompositionBoundsCallback.load());
+}
 void setImeCompositionBoundsCallback(ImeCompositionBoundsCallback callback) { imeCompositionBoundsCallback = callback; }
 
 }  // namespace ZEMO::UI

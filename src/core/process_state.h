@@ -29,7 +29,7 @@ void setExternalTsfImeUsed(bool used);
 bool isPasswordFieldFocused();
 void setPasswordFieldFocused(bool focused);
 
-/// Null for none.
+/// Null for none, and once the process ends.
 ImeEventCallback getImeEventCallback();
 void setImeEventCallback(ImeEventCallback callback);
 ImeCompositionBoundsCallback getImeCompositionBoundsCallback();

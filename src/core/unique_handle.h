@@ -14,24 +14,24 @@ template <class T, auto close, intptr_t invalid = 0>
 class UniqueHandle {
 public:
     UniqueHandle() = default;
-    explicit UniqueHandle(T value) : value_(value) {}
-    UniqueHandle(UniqueHandle&& other) noexcept : value_(other.release()) {}
+    explicit UniqueHandle(T value) : owned(value) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : owned(other.release()) {}
     UniqueHandle& operator=(UniqueHandle&& other) noexcept {
         reset(other.release());
         return *this;
     }
     ~UniqueHandle() { reset(); }
 
-    T get() const { return value_; }
-    explicit operator bool() const { return value_ != none(); }
+    T get() const { return owned; }
+    explicit operator bool() const { return owned != none(); }
 
     /// The thing without its owner: the caller gives it back.
-    [[nodiscard]] T release() { return std::exchange(value_, none()); }
+    [[nodiscard]] T release() { return std::exchange(owned, none()); }
 
     /// Gives back what it owns and owns `value` from now on. Its own value again changes nothing.
     void reset(T value = none()) {
-        if (value == value_) return;
-        const T old = std::exchange(value_, value);
+        if (value == owned) return;
+        const T old = std::exchange(owned, value);
         if (old == none()) return;
         const DWORD lastError = GetLastError();
         close(old);
@@ -41,13 +41,13 @@ public:
     /// For functions that hand a thing out through a pointer; what is owned before goes back first.
     T* put() {
         reset();
-        return &value_;
+        return &owned;
     }
 
 private:
-    static T none() { return reinterpret_cast<T>(invalid); }
+    static T none() { return (T)invalid; }  // a pointer, or a number such as a socket
 
-    T value_ = none();
+    T owned = none();
 };
 
 /// Kernel objects whose creation answers null on failure: events, mutexes, threads, processes, mappings.
@@ -62,23 +62,23 @@ using UniqueCursor = UniqueHandle<HCURSOR, &DestroyCursor>;
 /// The device context of a window, or of the whole screen for a null window. It goes back on the thread that took it.
 class WindowDc {
 public:
-    explicit WindowDc(HWND window) : window_(window), dc_(GetDC(window)) {}
+    explicit WindowDc(HWND window) : window(window), dc(GetDC(window)) {}
     ~WindowDc() {
-        if (!dc_) return;
+        if (!dc) return;
         const DWORD lastError = GetLastError();
-        ReleaseDC(window_, dc_);
+        ReleaseDC(window, dc);
         SetLastError(lastError);
     }
     WindowDc(const WindowDc&) = delete;
     WindowDc& operator=(const WindowDc&) = delete;
 
     /// Null when the window has gone.
-    HDC get() const { return dc_; }
-    explicit operator bool() const { return dc_ != nullptr; }
+    HDC get() const { return dc; }
+    explicit operator bool() const { return dc != nullptr; }
 
 private:
-    HWND window_;
-    HDC dc_;
+    HWND window;
+    HDC dc;
 };
 
 }  // namespace ZEMO::Core

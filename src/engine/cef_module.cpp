@@ -5,6 +5,7 @@
 #include "core/log.h"
 #include "core/module_paths.h"
 #include "core/module_pin.h"
+#include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "core/sent_messages.h"
 #include "engine/engine_clients.h"
@@ -33,7 +34,6 @@
 namespace ZEMO::UI {
 namespace {
 
-constexpr DWORD kPathCharacters = 260;
 constexpr int kNameCharacters = 100;
 
 // At an exit: for all of it, for the browsers to close, between two looks at them.
@@ -43,20 +43,24 @@ constexpr int64_t kCloseCheckMs = 10;
 
 // Outlives every static object's destructor: at process end the engine thread may be gone with the object in use.
 std::shared_ptr<CefModule>& cefModuleInstance() {
-    static auto* instance = std::make_unique<std::shared_ptr<CefModule>>().release();
+    static Core::NeverDestroyed<std::shared_ptr<CefModule>> instance;
     return *instance;
-}
-
-std::wstring findBasePath() {
-    wchar_t buffer[kPathCharacters] = {};
-    if (!Core::getOwnModulePath(buffer, kPathCharacters)) GetModuleFileNameW(nullptr, buffer, kPathCharacters);
-    return directoryOf(buffer);
 }
 
 std::wstring localeName(LCTYPE what) {
     wchar_t buffer[kNameCharacters] = {};
     GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), what, buffer, kNameCharacters);
     return buffer;
+}
+
+// Names every missing file in the log. False when the engine can't live without one of them.
+bool hasNeededFiles(const std::wstring& basePath) {
+    bool complete = true;
+    for (const MissingEngineFile& file : findMissingEngineFiles(basePath)) {
+        Core::logDebugW(L"engine file is missing: %s\n", file.name.c_str());
+        complete = complete && !file.needed;
+    }
+    return complete;
 }
 
 // Ends the engine's loop once every browser has closed, or when they have had their time.
@@ -90,16 +94,20 @@ std::wstring buildLanguageText(const std::wstring& language, const std::wstring&
     return language + L"-" + country + L"," + language;
 }
 
-std::wstring directoryOf(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\/")); }
-
 void CefModule::QuitTask::Execute() { CefQuitMessageLoop(); }
 
 int CefModule::start(HINSTANCE instance) {
+    // A second caller waits here until the first one's engine is ready.
+    static std::mutex startMutex;
+    static bool threadStarted = false;
+    const std::lock_guard starting(startMutex);
+    if (threadStarted) return -1;
     std::shared_ptr<CefModule> module(new CefModule(instance));
     cefModuleInstance() = module;
     std::weak_ptr<CefModule> watched = module;
     // A plain pointer: the module object is kept until the thread was joined, or for ever.
     module->engineThread = std::make_shared<std::thread>(&CefModule::engineThreadMain, module.get());
+    threadStarted = true;
     {
         std::unique_lock lock(module->readyMutex);
         module->readyCondition.wait(lock, [&watched] {
@@ -165,6 +173,9 @@ void CefModule::engineThreadMain() {
     engineThreadId = GetCurrentThreadId();
     runEngine();
     SetEvent(stopped.get());
+    // At an exit the process ends from here on at any moment. A thread on its own way out may be taken away with a lock
+    // of the engine or the runtime held that the modules then wait for; this one holds none.
+    if (Core::isProcessEnding()) Sleep(INFINITE);
 }
 
 void CefModule::runEngine() {
@@ -173,7 +184,7 @@ void CefModule::runEngine() {
     settings.multi_threaded_message_loop = false;
     settings.windowless_rendering_enabled = true;
 
-    const std::wstring basePath = findBasePath();
+    const std::wstring basePath = Core::libraryBaseDirectory();
     const bool engineLoaded = loadEngineLibrary(basePath);
     try {
         cleanupStaleCaches(basePath);
@@ -185,14 +196,12 @@ void CefModule::runEngine() {
 
     cachePath = selectCacheDirectory(basePath);
     cacheLockHandle = openCacheLock(cachePath);
-    for (const std::wstring& file : findMissingEngineFiles(basePath)) {
-        Core::logDebugW(L"engine file is missing: %s\n", file.c_str());
-    }
+    const bool hasFiles = hasNeededFiles(basePath);
     const std::wstring subprocess = selectSubprocess(basePath);
     const bool hasSubprocess = GetFileAttributesW(subprocess.c_str()) != INVALID_FILE_ATTRIBUTES;
     if (!hasSubprocess) Core::logDebugW(L"cef child program is missing: %s\n", subprocess.c_str());
-    if (!engineLoaded || !hasSubprocess) {
-        // An engine that can't start its child processes ends the whole game after a few tries.
+    if (!engineLoaded || !hasFiles || !hasSubprocess) {
+        // It would end the whole game: for a missing file at once, for the child program after a few tries.
         Core::logDebugA("cef is not started; no view will show a page\n");
         signalReady();
         return;

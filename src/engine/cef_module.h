@@ -19,7 +19,8 @@ namespace ZEMO::UI {
 class CefModule {
 public:
     /// Starts the engine thread and blocks until the engine is ready (or has failed to start: a log line says so, and
-    /// no view will show anything). Returns -1. Throws std::system_error when the thread can't be started.
+    /// no view will show anything). Returns -1. Throws std::system_error when the thread can't be started; the next
+    /// call tries again. Where an engine runs, or ran, in this process, that is left as it is. Any thread.
     static int start(HINSTANCE instance);
 
     /// Ends the engine's loop, waits for its thread, gives the cache lock up. Must not be called on the engine thread.
@@ -67,8 +68,5 @@ private:
 
 /// The language text for the engine: "ko-KR,ko" from language and country of the user's interface.
 std::wstring buildLanguageText(const std::wstring& language, const std::wstring& country);
-
-/// The path before its last separator, of either kind; the whole path when it has none.
-std::wstring directoryOf(const std::wstring& path);
 
 }  // namespace ZEMO::UI

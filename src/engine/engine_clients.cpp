@@ -1,8 +1,9 @@
 #include "engine/engine_clients.h"
 
-#include <memory>
 #include <mutex>
 #include <unordered_set>
+
+#include "core/never_destroyed.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -13,7 +14,7 @@ struct Registry {
 };
 
 Registry& registry() {
-    static auto* const instance = std::make_unique<Registry>().release();
+    static Core::NeverDestroyed<Registry> instance;
     return *instance;
 }
 

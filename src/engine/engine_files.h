@@ -5,8 +5,14 @@
 
 namespace ZEMO::UI {
 
-/// The engine's files that it can't start without and that are not there, relative to `basePath`, where libcef.dll
-/// lies. The engine ends the process without a word when it misses one, so they are looked for before.
-std::vector<std::wstring> findMissingEngineFiles(const std::wstring& basePath);
+struct MissingEngineFile {
+    std::wstring name;  ///< relative to the directory where libcef.dll lies
+    bool needed;        ///< without it the engine ends the process, or never draws
+    bool operator==(const MissingEngineFile&) const = default;
+};
+
+/// The engine's files that are not there, below `basePath`, where libcef.dll lies. The engine itself ends the process
+/// without a word when it misses one that it needs, so they are looked for before. Any thread.
+std::vector<MissingEngineFile> findMissingEngineFiles(const std::wstring& basePath);
 
 }  // namespace ZEMO::UI

@@ -1,8 +1,8 @@
 #include "engine/engine_library.h"
 
 #include "cef/engine_library.h"
-#include "core/loader_order.h"
 #include "core/log.h"
+#include "core/wine/wine.h"
 
 namespace ZEMO::UI {
 
@@ -12,8 +12,7 @@ bool loadEngineLibrary(const std::wstring& basePath) {
         Core::logDebugA("cef could not be loaded: %s\n", reason.c_str());
         return false;
     }
-    // The engine was loaded later, and would hear of the process's end before this library could keep it from that.
-    if (!Core::detachOwnModuleFirst()) Core::logDebugA("the order of the modules could not be changed\n");
+    Core::Wine::guardEngine(static_cast<HMODULE>(cefLibraryModule()));
     std::string found;
     std::string expected;
     if (!cefVersionMatches(&found, &expected)) {
@@ -23,6 +22,6 @@ bool loadEngineLibrary(const std::wstring& basePath) {
     return true;
 }
 
-void skipEngineDetach() { Core::skipDetach(static_cast<HMODULE>(cefLibraryModule())); }
+void skipEngineDetach() { Core::Wine::skipEngineDetach(static_cast<HMODULE>(cefLibraryModule())); }
 
 }  // namespace ZEMO::UI

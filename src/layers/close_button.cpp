@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "render/close_button_metrics.h"
 #include "render/display_scale.h"
 
 namespace ZEMO::UI {
@@ -9,10 +10,10 @@ namespace ZEMO::UI {
 XButton::XButton(HWND window) : XButton(getWindowScale(window)) {}
 
 XButton::XButton(float scale)
-    : margin(logicalToDevice(baseMargin, scale)),
-      scaledWidthThreshold(logicalToDevice(widthThreshold, scale)),
-      sizeWide(logicalToDevice(baseSizeWide, scale)),
-      sizeNarrow(logicalToDevice(baseSizeNarrow, scale)) {}
+    : margin(logicalToDevice(kCloseButtonMargin, scale)),
+      scaledWidthThreshold(logicalToDevice(kCloseButtonWidthThreshold, scale)),
+      sizeWide(logicalToDevice(kCloseButtonSizeWide, scale)),
+      sizeNarrow(logicalToDevice(kCloseButtonSizeNarrow, scale)) {}
 
 bool XButton::hitTest(const POINT& point, const RECT& client) {
     const RECT button{client.right - size - margin, margin, client.right - margin, size + margin};

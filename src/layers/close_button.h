@@ -39,11 +39,6 @@ public:
 private:
     std::function<void()> clickCallback;
     bool hovering = false;
-    // Logical pixels. A narrow window may have a button of its own size; today both are the same.
-    int32_t baseMargin = 20;
-    int32_t widthThreshold = 897;
-    int32_t baseSizeWide = 36;
-    int32_t baseSizeNarrow = 36;
     // Device pixels.
     int32_t size = 0;
     int32_t margin;

@@ -2,7 +2,8 @@
 //
 // 1. subclassMainWindow keeps the window's procedure before it puts layerWindowProc in its place, so that no message
 //    finds the one without the other.
-// 2. Each message then comes to layerWindowProc on the game's window thread. WM_DESTROY is first told to the graphics
+// 2. Each message then comes to layerWindowProc on the game's window thread. Calls of other threads that wait for that
+//    one run first, and are no business of a layer or the game. WM_DESTROY is first told to the graphics
 //    hook. The top layer, the last entry of the list, gets the message with messageMutex held; consumed, it ends here,
 //    else it goes on to the kept procedure with no lock held. The private IME messages go to the layer with no lock at
 //    all and never on to the game.
@@ -15,7 +16,10 @@
 
 #include <algorithm>
 
+#include "core/posted_text.h"
+#include "layers/main_window.h"
 #include "layers/window_messages.h"
+#include "layers/window_thread_calls.h"
 #include "layers/xinput_switch.h"
 #include "render/graphics_hook.h"
 
@@ -23,6 +27,7 @@ namespace ZEMO::UI {
 
 namespace {
 
+bool carriesText(UINT message) { return message == kMessageExternalScript || message == kMessageExternalText; }
 bool isPrivateImeMessage(UINT message) { return message == kMessageImeFocus || message == kMessageImeBounds; }
 
 }  // namespace
@@ -30,7 +35,11 @@ bool isPrivateImeMessage(UINT message) { return message == kMessageImeFocus || m
 ZEMOMultiLayerManager::~ZEMOMultiLayerManager() {
     if (const WNDPROC previous = previousWindowProc)
         SetWindowLongPtrW(mainWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-    if (const HMODULE module = graphicsHookModule) FreeLibrary(module);
+}
+
+void ZEMOMultiLayerManager::setGraphicsHookModule(HMODULE module) {
+    if (module) hookModules.emplace_back(module);
+    graphicsHookModule = module;
 }
 
 void ZEMOMultiLayerManager::subclassMainWindow() {
@@ -43,12 +52,30 @@ void ZEMOMultiLayerManager::subclassMainWindow() {
     previousWindowProc = replaced ? reinterpret_cast<WNDPROC>(replaced) : before;
 }
 
+void ZEMOMultiLayerManager::setMainWindow(HWND window) {
+    mainWindow = window;
+    mainWindowDestroyed = false;
+}
+
+void ZEMOMultiLayerManager::replaceLostMainWindow() {
+    const std::lock_guard lock(mainWindowMutex);
+    const HWND lost = mainWindow;
+    if (!lost || (!mainWindowDestroyed && IsWindow(lost))) return;
+    const HWND found = findMainWindow();
+    if (!found) return;
+    previousWindowProc = nullptr;
+    setMainWindow(found);
+    subclassMainWindow();
+}
+
 LRESULT CALLBACK ZEMOMultiLayerManager::layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (runWindowThreadCalls(hwnd, message)) return 0;
     if (message == WM_DESTROY) ZEMOGraphicsHooker::onGameWindowDestroyed(message, wParam, lParam);
     ZEMOMultiLayerManager& manager = instance();
     LRESULT result = 0;
     if (manager.dispatchMessage(&result, hwnd, message, wParam, lParam)) return result;
     const WNDPROC previous = manager.previousWindowProc;
+    if (message == WM_NCDESTROY && hwnd == manager.mainWindow) manager.mainWindowDestroyed = true;
     return previous ? CallWindowProcW(previous, hwnd, message, wParam, lParam)
                     : DefWindowProcW(hwnd, message, wParam, lParam);
 }
@@ -65,9 +92,10 @@ bool ZEMOMultiLayerManager::dispatchMessage(LRESULT* result, HWND hwnd, UINT mes
         return true;
     }
     const std::lock_guard lock(messageMutex);
-    if (layerCount.load(std::memory_order_acquire) == 0) return false;
-    layer = topLayer();
-    return layer && layer->handleMessage(result, hwnd, message, wParam, lParam);
+    if (layerCount.load(std::memory_order_acquire) != 0) layer = topLayer();
+    if (layer) return layer->handleMessage(result, hwnd, message, wParam, lParam);
+    if (carriesText(message)) Core::dropPostedText(lParam);  // nobody is there to take it
+    return false;
 }
 
 void ZEMOMultiLayerManager::addLayer(std::weak_ptr<ILayer> layer) {
@@ -123,11 +151,11 @@ void ZEMOMultiLayerManager::setImeProcess(uint32_t kind, const std::u16string* t
 
 void ZEMOMultiLayerManager::processSteamDeckKeyboardClose() {
     if (const std::shared_ptr<ILayer> layer = topLayer()) layer->blurActiveElement();
-    steamDeckKeyboardShown = false;
+    settings.setSteamDeckKeyboardShown(false);
 }
 
 void ZEMOMultiLayerManager::setSteamOverlayActiveStatus(bool active) {
-    steamOverlayActive = active;
+    settings.setSteamOverlayActive(active);
     if (const std::shared_ptr<ILayer> layer = topLayer()) layer->setSteamOverlayActive(active);
 }
 

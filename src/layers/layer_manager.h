@@ -12,23 +12,19 @@
 #include <vector>
 
 #include "core/singleton.h"
+#include "core/unique_handle.h"
+#include "layers/game_settings.h"
 #include "layers/layer.h"
-#include "layers/shared_slot.h"
 
 namespace ZEMO::UI {
 
 /// The one object of the layer side: the subclass on the game's main window, the ordered list of the layers on it, and
-/// the store of what the game has set, which a new layer copies.
+/// the way to what the game has set.
 ///
 /// Threads: layerWindowProc and dispatchMessage run on the game's window thread; addLayer and removeLayer on whatever
 /// thread shows, closes or drops a view; the settings may be set and read on any thread.
 class ZEMOMultiLayerManager final : public ZEMO::Core::Singleton<ZEMOMultiLayerManager> {
 public:
-    using ScriptUseCallback = std::function<void(int)>;
-    using KeyboardCallback = std::function<void(int)>;
-    using ExternalBrowserCallback = std::function<bool(const std::string&)>;
-    using FramePresentCallback = std::function<void(const void*, int, int, int, int, int, int)>;
-
     /// The library uses instance(); an object of its own is for tests of construction and destruction.
     ZEMOMultiLayerManager() = default;
     /// Takes the subclass off the main window and frees the hook module.
@@ -36,6 +32,10 @@ public:
 
     /// On the thread of the main window. Does nothing without one, or when that window is subclassed already.
     void subclassMainWindow();
+    /// When the main window has been destroyed (a game may make a new one for another display mode), looks for it again
+    /// and subclasses what it finds. A window that lives is never left, and where none was found at the start, none is
+    /// looked for. Any thread.
+    void replaceLostMainWindow();
     static LRESULT CALLBACK layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
     /// Gives the message to the top layer. True when it is consumed: the game must not see it then.
@@ -57,32 +57,35 @@ public:
     void setSteamOverlayActiveStatus(bool active);
 
     HWND getMainWindow() const { return mainWindow; }
-    void setMainWindow(HWND window) { mainWindow = window; }
+    void setMainWindow(HWND window);
     HMODULE getGraphicsHookModule() const { return graphicsHookModule; }
     /// Takes the module over: it is freed with this object.
-    void setGraphicsHookModule(HMODULE module) { graphicsHookModule = module; }
-    uint32_t getOpenGLSleepTime() const { return openGLSleepTime; }
-    void setOpenGLSleepTime(uint32_t milliseconds) { openGLSleepTime = milliseconds; }
-    bool getSteamDeckKeyboardShown() const { return steamDeckKeyboardShown; }
-    void setSteamDeckKeyboardShown(bool shown) { steamDeckKeyboardShown = shown; }
-    bool getSteamOverlayActive() const { return steamOverlayActive; }
-
-    std::string getGameControllerStatus() const { return gameControllerStatus.get(); }
-    void setGameControllerStatus(std::string statusJson) { gameControllerStatus.set(std::move(statusJson)); }
-
-    bool hasSteamDeckKeyboardCallback() const { return static_cast<bool>(steamDeckKeyboardCallback.get()); }
-    KeyboardCallback getSteamDeckKeyboardCallback() const { return steamDeckKeyboardCallback.get(); }
-    void setSteamDeckKeyboardCallback(KeyboardCallback callback) { steamDeckKeyboardCallback.set(std::move(callback)); }
-    ScriptUseCallback getGameControllerScriptUseCallback() const { return gameControllerScriptUseCallback.get(); }
-    void setGameControllerScriptUseCallback(ScriptUseCallback callback) {
-        gameControllerScriptUseCallback.set(std::move(callback));
+    void setGraphicsHookModule(HMODULE module);
+    // What the game has set, each forwarded to the settings.
+    uint32_t getOpenGLSleepTime() const { return settings.getOpenGLSleepTime(); }
+    void setOpenGLSleepTime(uint32_t milliseconds) { settings.setOpenGLSleepTime(milliseconds); }
+    bool getSteamDeckKeyboardShown() const { return settings.getSteamDeckKeyboardShown(); }
+    void setSteamDeckKeyboardShown(bool shown) { settings.setSteamDeckKeyboardShown(shown); }
+    bool getSteamOverlayActive() const { return settings.getSteamOverlayActive(); }
+    std::string getGameControllerStatus() const { return settings.getGameControllerStatus(); }
+    void setGameControllerStatus(std::string status) { settings.setGameControllerStatus(std::move(status)); }
+    bool hasSteamDeckKeyboardCallback() const { return settings.hasSteamDeckKeyboardCallback(); }
+    auto getSteamDeckKeyboardCallback() const { return settings.getSteamDeckKeyboardCallback(); }
+    void setSteamDeckKeyboardCallback(GameSettings::KeyboardCallback callback) {
+        settings.setSteamDeckKeyboardCallback(std::move(callback));
     }
-    ExternalBrowserCallback getOpenExternalBrowserCallback() const { return openExternalBrowserCallback.get(); }
-    void setOpenExternalBrowserCallback(ExternalBrowserCallback callback) {
-        openExternalBrowserCallback.set(std::move(callback));
+    auto getGameControllerScriptUseCallback() const { return settings.getGameControllerScriptUseCallback(); }
+    void setGameControllerScriptUseCallback(GameSettings::ScriptUseCallback callback) {
+        settings.setGameControllerScriptUseCallback(std::move(callback));
     }
-    FramePresentCallback getOsrFramePresentCallback() const { return osrFramePresentCallback.get(); }
-    void setOsrFramePresentCallback(FramePresentCallback callback) { osrFramePresentCallback.set(std::move(callback)); }
+    auto getOpenExternalBrowserCallback() const { return settings.getOpenExternalBrowserCallback(); }
+    void setOpenExternalBrowserCallback(GameSettings::ExternalBrowserCallback callback) {
+        settings.setOpenExternalBrowserCallback(std::move(callback));
+    }
+    auto getOsrFramePresentCallback() const { return settings.getOsrFramePresentCallback(); }
+    void setOsrFramePresentCallback(OsrFramePresentCallback callback) {
+        settings.setOsrFramePresentCallback(std::move(callback));
+    }
 
 private:
     using LayerList = std::vector<std::weak_ptr<ILayer>>;
@@ -103,17 +106,13 @@ private:
     std::atomic<size_t> layerCount = 0;  ///< size of `layers`, so that an idle dispatch needs no second lock
     uint32_t savedPriorityClass = 0;
 
-    SharedSlot<KeyboardCallback> steamDeckKeyboardCallback;
-    std::atomic<bool> steamDeckKeyboardShown = false;
+    GameSettings settings;
     std::atomic<HWND> mainWindow = nullptr;
+    std::mutex mainWindowMutex;                     ///< one search for a new one at a time
+    std::atomic<bool> mainWindowDestroyed = false;  ///< its handle may be another window's by now
     std::atomic<HMODULE> graphicsHookModule = nullptr;
+    std::vector<Core::UniqueModule> hookModules;  ///< each that was loaded: a view may still use an older one
     std::atomic<WNDPROC> previousWindowProc = nullptr;
-    std::atomic<uint32_t> openGLSleepTime = 0;  ///< milliseconds
-    SharedSlot<std::string> gameControllerStatus;
-    SharedSlot<ScriptUseCallback> gameControllerScriptUseCallback;
-    std::atomic<bool> steamOverlayActive = false;
-    SharedSlot<ExternalBrowserCallback> openExternalBrowserCallback;
-    SharedSlot<FramePresentCallback> osrFramePresentCallback;
 };
 
 }  // namespace ZEMO::UI

@@ -22,6 +22,11 @@ void OwnWindowLink::windowDestroyed(HWND destroyed) {
     if (window == destroyed) window = nullptr;
 }
 
+void OwnWindowLink::postClose(HWND target) {
+    const std::lock_guard lock(access);
+    if (window) PostMessageW(target, WM_CLOSE, 0, 0);
+}
+
 void OwnWindowLink::clearUserData() {
     // Under the lock, so that the window cannot be destroyed (and its handle given away) in between. The call sends no
     // message, so the window's thread is not needed for it.

@@ -20,6 +20,9 @@ public:
 
     void windowCreated(HWND created);
     void windowDestroyed(HWND destroyed);
+    /// Posts WM_CLOSE to `target`, the window or a child of it, while the window lives: a handle of a window that is
+    /// gone may be another's by now.
+    void postClose(HWND target);
     /// Stops the dispatch to the layer for good. Leaves a window alone whose handle may belong to someone else by now.
     void clearUserData();
 

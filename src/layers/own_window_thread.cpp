@@ -20,9 +20,12 @@
 
 #include "core/log.h"
 #include "core/module_pin.h"
+#include "core/posted_text.h"
 #include "core/sent_messages.h"
 #include "core/unique_handle.h"
 #include "layers/deck/extra_window.h"
+#include "layers/window_messages.h"
+#include "layers/window_thread_calls.h"
 #include "layers/zemo_window.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"
@@ -150,12 +153,15 @@ void ZEMOWindow::createViewChild() {
 }
 
 LRESULT CALLBACK ZEMOWindow::ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (runWindowThreadCalls(hwnd, message)) return 0;
     OwnWindowLink* const link = threadLink;
     if (link && GetWindowLongPtrW(hwnd, GWLP_USERDATA)) {
         if (const std::shared_ptr<ZEMOWindow> layer = link->lockLayer()) {
             if (const OwnResult answer = layer->windowProc(hwnd, message, wParam, lParam)) return *answer;
         }
     }
+    // Nobody is there to take the text any more, or a text of this kind is not for own windows.
+    if (message == kMessageExternalScript || message == kMessageExternalText) Core::dropPostedText(lParam);
     if (link && message == WM_NCDESTROY) {
         link->windowDestroyed(hwnd);
         PostQuitMessage(0);

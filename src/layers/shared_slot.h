@@ -12,6 +12,11 @@ template <class T>
 class SharedSlot {
 public:
     void set(T value) { current.store(std::make_shared<const T>(std::move(value))); }
+    /// Only the first call has an effect.
+    void setOnce(T value) {
+        std::shared_ptr<const T> none;
+        current.compare_exchange_strong(none, std::make_shared<const T>(std::move(value)));
+    }
     T get() const {
         const std::shared_ptr<const T> held = current.load();
         return held ? *held : T{};

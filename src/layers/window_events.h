@@ -30,9 +30,14 @@ protected:
     ~IIMEEvents() = default;
 };
 
+/// The buttons of onMouseButton.
+inline constexpr int kLeftButton = 0;
+inline constexpr int kMiddleButton = 1;
+inline constexpr int kRightButton = 2;
+
 class IInputEvents {
 public:
-    /// button: 0 left, 2 right.
+    /// button: kLeftButton or kRightButton.
     virtual void onMouseButton(int button, bool up, int x, int y) = 0;
     /// modifiers: the engine's EVENTFLAG_ bits.
     virtual void onMouseMove(int x, int y, uint32_t modifiers) = 0;

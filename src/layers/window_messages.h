@@ -3,7 +3,7 @@
 #include <windows.h>
 
 // The library's private messages on the game's window and on its own. They carry work from other threads to the thread
-// of the window. A std::string travels as a heap pointer in lParam: see posted_text.h for who frees it.
+// of the window. A text travels as the address of a std::string in lParam: see core/posted_text.h for who frees it.
 namespace ZEMO::UI {
 
 inline constexpr UINT kMessageExternalScript = WM_USER + 200;   ///< 1224, lParam: std::string*

@@ -1,7 +1,7 @@
 #include "layers/zemo_window.h"
 
 #include "layers/cursor_restore.h"
-#include "layers/window_message.h"
+#include "layers/messages/window_message.h"
 
 namespace ZEMO::UI {
 
@@ -27,7 +27,7 @@ ZEMOWindow::ZEMOWindow(const char* title, WindowStyle windowStyle, Size size, HW
 ZEMOWindow::~ZEMOWindow() {
     if (ownWindow) ownWindow->clearUserData();
     CursorRestore::removeUser();
-    InvalidateRect(window, nullptr, TRUE);
+    if (window) InvalidateRect(window, nullptr, TRUE);
     viewChild.reset();
     closeButtonShown = nullptr;
     closeButton.reset();
@@ -42,6 +42,11 @@ void ZEMOWindow::createCloseButton(std::function<void()> callback) {
     button->setClickCallback(std::move(callback));
     closeButton = std::move(button);
     closeButtonShown.store(closeButton.get(), std::memory_order_release);
+}
+
+std::function<void()> ZEMOWindow::ownWindowCloser() const {
+    if (!ownWindow) return nullptr;
+    return [link = ownWindow, target = getViewWindowHandle()] { link->postClose(target); };
 }
 
 void ZEMOWindow::clickCloseButton() {

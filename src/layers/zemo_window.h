@@ -63,6 +63,10 @@ public:
     bool handleMessage(LRESULT* result, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
     void setSteamOverlayActive(bool active) override { steamOverlayActive = active; }
 
+    /// Closes the own window, as long as it is this view's: callable on any thread, also when the layer has gone. Empty
+    /// on the game's window.
+    std::function<void()> ownWindowCloser() const;
+
 protected:
     /// The button that createCloseButton puts up; a derived class may bring one of its own kind.
     virtual std::unique_ptr<IXbtn> makeCloseButton() const { return std::make_unique<XButton>(window); }
@@ -83,34 +87,12 @@ private:
     static unsigned __stdcall ownWindowThread(void* argument);
     static LRESULT CALLBACK ownClassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
-    // own_window_proc.cpp
+    // messages/: one table from message to function for each style
+    struct LayerStyle;
+    struct OwnStyle;
     using OwnResult = std::optional<LRESULT>;  ///< empty: the system's default answer is wanted
     OwnResult windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    OwnResult onOwnState(const WindowMessage& m);
-
-    // layer_message_handler.cpp
-    bool onLayerState(const WindowMessage& m);
-
-    // mouse_messages.cpp
-    bool onLayerMouse(const WindowMessage& m);
-    OwnResult onOwnMouse(const WindowMessage& m);
     void moveMouse(const WindowMessage& m, int x, int y, WPARAM keys);
-
-    // pointer_messages.cpp
-    bool onLayerPointer(const WindowMessage& m);
-    OwnResult onOwnPointer(const WindowMessage& m);
-
-    // ime_messages.cpp
-    bool onLayerIme(LRESULT* result, const WindowMessage& m);
-    OwnResult onOwnIme(const WindowMessage& m);
-
-    // cursor_messages.cpp
-    bool onLayerSetCursor(const WindowMessage& m);
-    OwnResult onOwnSetCursor(const WindowMessage& m);
-
-    // private_messages.cpp
-    bool onLayerPrivate(const WindowMessage& m);
-    OwnResult onOwnPrivate(const WindowMessage& m);
 
     IXbtn* closeButtonIfShown() const { return closeButtonShown.load(std::memory_order_acquire); }
     bool isOnCloseButton(const WindowMessage& m) const;

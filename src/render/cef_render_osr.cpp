@@ -3,14 +3,13 @@
 #include <chrono>
 #include <utility>
 
+#include "render/close_button_metrics.h"
 #include "render/close_image.h"
 #include "render/pixel_scale.h"
 
 namespace ZEMO::UI {
 namespace {
 
-constexpr int kCloseSize = 36;    // logical pixels
-constexpr int kCloseMargin = 20;  // logical pixels
 constexpr int64_t kQuietNs = 100'000'000;
 constexpr int64_t kFullFrameNs = 2'000'000'000;
 
@@ -21,15 +20,14 @@ int64_t steadyNow() {
 
 }  // namespace
 
-int64_t (*renderClock)() = steadyNow;
-
-CefRenderOSR::CefRenderOSR(Present framePresentCallback, float scale, bool hasCloseButton)
+CefRenderOSR::CefRenderOSR(OsrFramePresentCallback framePresentCallback, float scale, bool hasCloseButton)
     : hasCallback(static_cast<bool>(framePresentCallback)),
       compositor(std::move(framePresentCallback)),
-      lastFullFrameTime(renderClock()),
-      lastPaintTime(renderClock()) {
+      lastFullFrameTime(steadyNow()),
+      lastPaintTime(steadyNow()) {
     if (hasCallback && hasCloseButton) {
-        compositor.setCloseMetrics(logicalToDevice(kCloseSize, scale), logicalToDevice(kCloseMargin, scale));
+        compositor.setCloseMetrics(logicalToDevice(kCloseButtonSizeWide, scale),
+                                   logicalToDevice(kCloseButtonMargin, scale));
     }
     CloseImage image = loadCloseImage();
     compositor.setCloseImage(std::move(image.rgba), image.width, image.height);
@@ -38,7 +36,7 @@ CefRenderOSR::CefRenderOSR(Present framePresentCallback, float scale, bool hasCl
 bool CefRenderOSR::needsRepaint() {
     if (!isActive()) return false;
     if (firstPaintPending.exchange(false)) return true;
-    const int64_t now = renderClock();
+    const int64_t now = steadyNow();
     if (now - lastPaintTime < kQuietNs) return false;  // the engine paints by itself
     if (now - lastFullFrameTime < kFullFrameNs) return true;
     // A consumer that lost its copy recovers from the whole frame that the next paint hands out.
@@ -54,7 +52,7 @@ void CefRenderOSR::clearFrame() {
 
 bool CefRenderOSR::paint(bool drawCloseButton, CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
                          const RectList& /*dirtyRects*/, const void* buffer, int width, int height) {
-    lastPaintTime = renderClock();
+    lastPaintTime = steadyNow();
     switch (type) {
         case PET_VIEW:
             compositor.paintView(drawCloseButton, buffer, width, height);

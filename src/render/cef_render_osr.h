@@ -2,25 +2,19 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 
 #include "render/cef_render_impl.h"
 #include "render/frame_compositor.h"
 
 namespace ZEMO::UI {
 
-/// The clock of needsRepaint: steady-clock nanoseconds. A variable, so that tests need not wait for time to pass.
-extern int64_t (*renderClock)();
-
 /// Hands finished frames to the game's present callback: the view with popup and close button composed in, and the
 /// rectangle that changed. Frames come on the engine thread, and the callback runs there; the render thread asks
 /// needsRepaint.
 class CefRenderOSR final : public CefRenderImpl {
 public:
-    using Present = FrameCompositor::Present;
-
     /// `scale`: device pixels for each logical pixel; sizes the close button.
-    CefRenderOSR(Present framePresentCallback, float scale, bool hasCloseButton);
+    CefRenderOSR(OsrFramePresentCallback framePresentCallback, float scale, bool hasCloseButton);
 
     void tick(uint32_t /*openGlSleepTime*/) override {}
     bool isActive() override { return hasCallback; }

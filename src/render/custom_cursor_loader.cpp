@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/module_paths.h"
 #include "render/cursor_file.h"
 #include "render/image_cursor.h"
 
@@ -15,22 +16,6 @@ namespace ZEMO::UI {
 namespace {
 
 namespace fs = std::filesystem;
-
-// An own search, not the shared one: this one says nothing when it fails.
-std::wstring libraryDirectory() {
-    constexpr DWORD kSize = 260;
-    wchar_t path[kSize] = {};
-    HMODULE module = nullptr;
-    DWORD length = 0;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           reinterpret_cast<const wchar_t*>(&libraryDirectory), &module)) {
-        length = GetModuleFileNameW(module, path, kSize);
-    }
-    if (length == 0 || length == kSize) length = GetModuleFileNameW(nullptr, path, kSize);
-    const std::wstring file(path, length);
-    const size_t separator = file.find_last_of(L"\\/");
-    return separator == std::wstring::npos ? std::wstring() : file.substr(0, separator);
-}
 
 bool fileExists(const fs::path& path) {
     std::error_code error;
@@ -76,7 +61,7 @@ Core::UniqueCursor CustomCursorLoader::loadCandidate(const std::wstring& path, i
 HCURSOR CustomCursorLoader::load() {
     const std::map<std::wstring, int> candidates = {
         {L"resources/customcursor.cur", 0}, {L"resources/customcursor.ico", 0}, {L"resources/customcursor.png", 0}};
-    const std::wstring directory = baseDirectory.empty() ? libraryDirectory() : baseDirectory;
+    const std::wstring directory = Core::libraryBaseDirectory(Core::Failures::Silent);
     std::map<std::wstring, int> files;  // sorted by path: this is the order of trial
     for (const auto& [relativePath, size] : candidates) files[directory + L"\\" + relativePath] = size;
 

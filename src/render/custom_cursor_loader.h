@@ -8,14 +8,11 @@
 
 namespace ZEMO::UI {
 
-/// Finds the mouse cursor that a game ships as resources/customcursor.cur, .ico or .png, in this order. Files that are
-/// missing, broken or of another kind are passed over, without a log line. On the thread that creates the window.
+/// Finds the mouse cursor that a game ships beside the library (see libraryBaseDirectory) as
+/// resources/customcursor.cur, .ico or .png, in this order. Files that are missing, broken or of another kind are
+/// passed over, without a log line. On the thread that creates the window.
 class CustomCursorLoader {
 public:
-    /// `baseDirectory`: what the candidates are relative to, without a separator at its end. Empty: the directory of
-    /// this library, or of the game's executable when the former is unknown.
-    explicit CustomCursorLoader(std::wstring baseDirectory = {}) : baseDirectory(std::move(baseDirectory)) {}
-
     /// The cursor, or null. It belongs to the loader and lives as long. Throws std::filesystem::filesystem_error when
     /// the system cannot tell whether a candidate exists.
     HCURSOR load();
@@ -25,7 +22,6 @@ public:
     static Core::UniqueCursor loadCandidate(const std::wstring& path, int size);
 
 private:
-    std::wstring baseDirectory;
     Core::UniqueCursor cursor;
 };
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "core/system_function.h"
 #include "core/unique_handle.h"
 
 namespace ZEMO::UI {
@@ -14,11 +15,8 @@ enum Awareness : int { kUnknown = 0, kNotPerMonitor = 1, kPerMonitor = 2 };
 
 // shcore.dll comes with Windows 8.1: looked up by name, and kept loaded like every system library.
 Awareness queryAwareness() {
-    const HMODULE shcore = LoadLibraryW(L"shcore.dll");
-    if (!shcore) return kNotPerMonitor;
-    using GetProcessDpiAwareness = HRESULT(WINAPI*)(HANDLE process, int* awareness);
-    const auto getAwareness =
-        reinterpret_cast<GetProcessDpiAwareness>(GetProcAddress(shcore, "GetProcessDpiAwareness"));
+    const auto getAwareness = Core::systemFunction<HRESULT WINAPI(HANDLE process, int* awareness)>(
+        LoadLibraryW(L"shcore.dll"), "GetProcessDpiAwareness");
     int awareness = 0;
     const bool known = getAwareness && SUCCEEDED(getAwareness(nullptr, &awareness));
     return known && awareness == kPerMonitorDpiAware ? kPerMonitor : kNotPerMonitor;
@@ -46,9 +44,8 @@ bool isPerMonitorDpiAware() {
 float getWindowScale(HWND window) {
     if (window && isPerMonitorDpiAware()) {
         // Windows 10, 1607 and later.
-        using GetDpiForWindow = UINT(WINAPI*)(HWND window);
         static const auto getDpi =
-            reinterpret_cast<GetDpiForWindow>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow"));
+            Core::systemFunction<UINT WINAPI(HWND window)>(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow");
         // 0 stands for a window that has gone meanwhile, and a scale is never 0.
         if (const UINT dpi = getDpi ? getDpi(window) : 0; dpi != 0) return static_cast<float>(dpi / kDpiOfScaleOne);
     }

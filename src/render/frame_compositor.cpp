@@ -23,26 +23,26 @@ void FrameCompositor::paintView(bool drawCloseButton, const void* buffer, int wi
     if (!buffer || width < 1 || height < 1) return;
     const auto* pixels = static_cast<const uint8_t*>(buffer);
 
-    const bool sizeChanged = viewWidth_ != width || viewHeight_ != height;
-    viewWidth_ = width;
-    viewHeight_ = height;
-    if (viewFrame_.size() != frameBytes(width, height)) {
-        viewFrame_.resize(frameBytes(width, height));
-        composedValid_ = false;
+    const bool sizeChanged = viewWidth != width || viewHeight != height;
+    viewWidth = width;
+    viewHeight = height;
+    if (viewFrame.size() != frameBytes(width, height)) {
+        viewFrame.resize(frameBytes(width, height));
+        composedValid = false;
     }
 
     PixelBox dirty;
     if (sizeChanged) {
-        composedValid_ = false;
+        composedValid = false;
         dirty = wholeFrame();
-    } else if (forceFullFrame_.exchange(false)) {
+    } else if (fullFrameForced.exchange(false)) {
         dirty = wholeFrame();
     } else {
         dirty = findChange(pixels);
     }
-    copyBox(viewFrame_, pixels, dirty);
+    copyBox(viewFrame, pixels, dirty);
 
-    const bool popupInUse = popupVisible_ && !popupFrame_.empty();
+    const bool popupInUse = popupVisible && !popupFrame.empty();
     if (popupInUse || drawCloseButton) {
         compose(dirty, popupInUse, drawCloseButton);
     } else {
@@ -51,55 +51,55 @@ void FrameCompositor::paintView(bool drawCloseButton, const void* buffer, int wi
 }
 
 void FrameCompositor::paintPopup(bool drawCloseButton, const void* buffer, int width, int height) {
-    popupWidth_ = width;
-    popupHeight_ = height;
-    popupFrame_.resize(buffer ? frameBytes(width, height) : 0);
-    if (buffer && !popupFrame_.empty()) std::memcpy(popupFrame_.data(), buffer, popupFrame_.size());
+    popupWidth = width;
+    popupHeight = height;
+    popupFrame.resize(buffer ? frameBytes(width, height) : 0);
+    if (buffer && !popupFrame.empty()) std::memcpy(popupFrame.data(), buffer, popupFrame.size());
 
-    if (viewFrame_.empty() || !composedValid_ || composedFrame_.size() != viewFrame_.size()) return;
-    copyBox(composedFrame_, viewFrame_.data(), popupBox());
+    if (viewFrame.empty() || !composedValid || composedFrame.size() != viewFrame.size()) return;
+    copyBox(composedFrame, viewFrame.data(), popupBox());
     blitPopup();
-    PixelBox dirty = popupBox().empty() ? PixelBox{} : clipToFrame(popupBox(), viewWidth_, viewHeight_);
-    if (popupBox() != previousPopup_) popupIntact_ = false;
+    PixelBox dirty = popupBox().empty() ? PixelBox{} : clipToFrame(popupBox(), viewWidth, viewHeight);
+    if (popupBox() != previousPopup) popupIntact = false;
 
     const PixelBox close = closeBox();
     if (overlap(dirty, close)) {
-        popupIntact_ = closeIntact_ = false;
+        popupIntact = closeIntact = false;
         if (drawCloseButton) {
             drawCloseImage();
             dirty = widened(dirty, close);
         }
     }
-    present(composedFrame_, dirty);
+    present(composedFrame, dirty);
 }
 
 void FrameCompositor::onPopupShow(bool show) {
-    popupVisible_ = show;
-    if (!show) popupFrame_.clear();
+    popupVisible = show;
+    if (!show) popupFrame.clear();
 }
 
 void FrameCompositor::clearFrame() {
-    composedValid_ = false;
-    present_(nullptr, 0, 0, 0, 0, 0, 0);
+    composedValid = false;
+    presentCallback(nullptr, 0, 0, 0, 0, 0, 0);
 }
 
 void FrameCompositor::setCloseImage(std::vector<uint8_t> rgba, int width, int height) {
     const bool complete = !rgba.empty() && rgba.size() == frameBytes(width, height);
-    closeImage_ = complete ? std::move(rgba) : Frame{};
-    closeImageWidth_ = complete ? width : 0;
-    closeImageHeight_ = complete ? height : 0;
+    closeImage = complete ? std::move(rgba) : Frame{};
+    closeImageWidth = complete ? width : 0;
+    closeImageHeight = complete ? height : 0;
 }
 
 void FrameCompositor::setCloseMetrics(int size, int margin) {
-    closeSize_ = size;
-    closeMargin_ = margin;
+    closeSize = size;
+    closeMargin = margin;
 }
 
 /// Smallest rectangle that holds every pixel in which `buffer` differs from the last frame. Equal rows in a run are
 /// compared as one block; of a differing row only what lies outside the columns found so far is looked at.
 PixelBox FrameCompositor::findChange(const uint8_t* buffer) const {
-    const size_t width = static_cast<size_t>(viewWidth_);
-    const size_t total = width * static_cast<size_t>(viewHeight_);
+    const size_t width = static_cast<size_t>(viewWidth);
+    const size_t total = width * static_cast<size_t>(viewHeight);
     size_t left = width;
     size_t right = 0;
     size_t top = 0;
@@ -107,7 +107,7 @@ PixelBox FrameCompositor::findChange(const uint8_t* buffer) const {
     bool found = false;
     for (size_t start = 0; start < total;) {  // always the first pixel of a row
         const size_t differing =
-            start + equalPixels(viewFrame_.data() + start * kPixel, buffer + start * kPixel, total - start);
+            start + equalPixels(viewFrame.data() + start * kPixel, buffer + start * kPixel, total - start);
         if (differing == total) break;
         const size_t row = differing / width;
         const size_t column = differing % width;
@@ -117,7 +117,7 @@ PixelBox FrameCompositor::findChange(const uint8_t* buffer) const {
         left = std::min(left, column);
         right = std::max(right, column + 1);
         const size_t offset = row * width * kPixel;
-        right = endOfDifference(viewFrame_.data() + offset, buffer + offset, right, width);
+        right = endOfDifference(viewFrame.data() + offset, buffer + offset, right, width);
         start = (row + 1) * width;
     }
     if (!found) return {};
@@ -126,22 +126,22 @@ PixelBox FrameCompositor::findChange(const uint8_t* buffer) const {
 }
 
 PixelBox FrameCompositor::closeBox() const {
-    if (closeSize_ < 1) return {0, closeMargin_, 0, 0};
-    return {int64_t{viewWidth_} - closeMargin_ - closeSize_, closeMargin_, closeSize_, closeSize_};
+    if (closeSize < 1) return {0, closeMargin, 0, 0};
+    return {int64_t{viewWidth} - closeMargin - closeSize, closeMargin, closeSize, closeSize};
 }
 
 PixelBox FrameCompositor::widened(const PixelBox& dirty, const PixelBox& by) const {
-    return widen(dirty, by, viewWidth_, viewHeight_);
+    return widen(dirty, by, viewWidth, viewHeight);
 }
 
 /// Copies the part of `box` that lies inside the frame.
 void FrameCompositor::copyBox(Frame& to, const uint8_t* from, const PixelBox& box) const {
     const int64_t left = std::max<int64_t>(box.x, 0);
     const int64_t top = std::max<int64_t>(box.y, 0);
-    const int64_t right = std::min<int64_t>(box.right(), viewWidth_);
-    const int64_t bottom = std::min<int64_t>(box.bottom(), viewHeight_);
+    const int64_t right = std::min<int64_t>(box.right(), viewWidth);
+    const int64_t bottom = std::min<int64_t>(box.bottom(), viewHeight);
     if (left >= right || top >= bottom) return;
-    const size_t stride = static_cast<size_t>(viewWidth_) * kPixel;
+    const size_t stride = static_cast<size_t>(viewWidth) * kPixel;
     const size_t bytes = static_cast<size_t>(right - left) * kPixel;
     size_t offset = static_cast<size_t>(top) * stride + static_cast<size_t>(left) * kPixel;
     if (bytes == stride) {  // whole rows lie one after another
@@ -154,108 +154,108 @@ void FrameCompositor::copyBox(Frame& to, const uint8_t* from, const PixelBox& bo
 /// The page alone. When the last picture still showed a popup or the icon, the consumer's copy holds their pixels, so
 /// the area they were drawn on is reported too.
 void FrameCompositor::presentPlain(PixelBox dirty) {
-    dirty = widened(dirty, popupTrace_);
-    dirty = widened(dirty, closeTrace_);
-    popupTrace_ = closeTrace_ = {};
-    composedValid_ = false;
-    previousPopup_ = {previousPopup_.x, previousPopup_.y, 0, 0};
-    previousClose_ = {previousClose_.x, previousClose_.y, 0, 0};
-    present(viewFrame_, dirty);
+    dirty = widened(dirty, popupTrace);
+    dirty = widened(dirty, closeTrace);
+    popupTrace = closeTrace = {};
+    composedValid = false;
+    previousPopup = {previousPopup.x, previousPopup.y, 0, 0};
+    previousClose = {previousClose.x, previousClose.y, 0, 0};
+    present(viewFrame, dirty);
 }
 
 void FrameCompositor::compose(PixelBox dirty, bool popupInUse, bool drawCloseButton) {
-    if (composedFrame_.size() != viewFrame_.size()) {
-        composedFrame_.resize(viewFrame_.size());
-        composedValid_ = false;
+    if (composedFrame.size() != viewFrame.size()) {
+        composedFrame.resize(viewFrame.size());
+        composedValid = false;
     }
     const PixelBox popup = popupInUse ? popupBox() : PixelBox{};
-    const PixelBox close = drawCloseButton ? closeBox() : PixelBox{0, closeMargin_, 0, 0};
+    const PixelBox close = drawCloseButton ? closeBox() : PixelBox{0, closeMargin, 0, 0};
 
-    const bool popupChanged = popup != previousPopup_;
-    const bool closeChanged = close != previousClose_;
+    const bool popupChanged = popup != previousPopup;
+    const bool closeChanged = close != previousClose;
     const bool popupRedraw = popupInUse && (popupChanged || overlap(dirty, popup));
     const bool closeRedraw = drawCloseButton && (closeChanged || popupRedraw || overlap(dirty, close));
     // Popup and icon are drawn over each other without care for what lies below. Wherever that happened a redraw may
     // show other pixels than before, and not only where the page changed: then all of it is reported.
-    const bool crossed = overlap(popup, close) || overlap(previousPopup_, close) || overlap(popup, previousClose_) ||
-                         overlap(previousPopup_, previousClose_);
-    const bool reportPopup = popupChanged || (popupRedraw && (crossed || !popupIntact_));
-    const bool reportClose = closeChanged || (closeRedraw && (crossed || !closeIntact_ || overlap(dirty, close)));
+    const bool crossed = overlap(popup, close) || overlap(previousPopup, close) || overlap(popup, previousClose) ||
+                         overlap(previousPopup, previousClose);
+    const bool reportPopup = popupChanged || (popupRedraw && (crossed || !popupIntact));
+    const bool reportClose = closeChanged || (closeRedraw && (crossed || !closeIntact || overlap(dirty, close)));
 
-    const bool fromScratch = !composedValid_;
+    const bool fromScratch = !composedValid;
     if (fromScratch) {
-        copyBox(composedFrame_, viewFrame_.data(), wholeFrame());
+        copyBox(composedFrame, viewFrame.data(), wholeFrame());
         dirty = wholeFrame();
-        composedValid_ = true;
-        popupTrace_ = closeTrace_ = {};
+        composedValid = true;
+        popupTrace = closeTrace = {};
     } else {
-        copyBox(composedFrame_, viewFrame_.data(), dirty);
-        if (popupChanged) copyBox(composedFrame_, viewFrame_.data(), previousPopup_);
-        if (closeChanged) copyBox(composedFrame_, viewFrame_.data(), previousClose_);
-        if (popupRedraw) copyBox(composedFrame_, viewFrame_.data(), popup);
-        if (closeRedraw) copyBox(composedFrame_, viewFrame_.data(), close);
+        copyBox(composedFrame, viewFrame.data(), dirty);
+        if (popupChanged) copyBox(composedFrame, viewFrame.data(), previousPopup);
+        if (closeChanged) copyBox(composedFrame, viewFrame.data(), previousClose);
+        if (popupRedraw) copyBox(composedFrame, viewFrame.data(), popup);
+        if (closeRedraw) copyBox(composedFrame, viewFrame.data(), close);
     }
     if (popupInUse && (fromScratch || popupRedraw)) blitPopup();
     if (drawCloseButton && (fromScratch || closeRedraw)) drawCloseImage();
 
-    if (popupChanged) dirty = widened(dirty, previousPopup_);
+    if (popupChanged) dirty = widened(dirty, previousPopup);
     if (reportPopup) dirty = widened(dirty, popup);
-    if (closeChanged) dirty = widened(dirty, previousClose_);
+    if (closeChanged) dirty = widened(dirty, previousClose);
     if (reportClose) dirty = widened(dirty, close);
 
-    popupIntact_ = !crossed && (popupIntact_ || fromScratch || popupRedraw || !popupInUse);
-    closeIntact_ = !crossed && (closeIntact_ || fromScratch || closeRedraw || !drawCloseButton);
-    previousPopup_ = popup;
-    previousClose_ = close;
-    present(composedFrame_, dirty);
+    popupIntact = !crossed && (popupIntact || fromScratch || popupRedraw || !popupInUse);
+    closeIntact = !crossed && (closeIntact || fromScratch || closeRedraw || !drawCloseButton);
+    previousPopup = popup;
+    previousClose = close;
+    present(composedFrame, dirty);
 }
 
 /// Replaces pixels, no blending. A popup that begins left of the view is not drawn at all; one that begins above or
 /// reaches past the right or bottom edge is cut.
 void FrameCompositor::blitPopup() {
-    popupTrace_ = widened(popupTrace_, popupBox());
-    if (popupFrame_.empty() || popupEdges_.left < 0 || popupEdges_.left >= viewWidth_) return;
-    const size_t bytes = static_cast<size_t>(std::min(viewWidth_ - popupEdges_.left, popupWidth_)) * kPixel;
-    const int64_t first = std::max<int64_t>(0, -int64_t{popupEdges_.top});
-    const int64_t end = std::min<int64_t>(popupHeight_, int64_t{viewHeight_} - popupEdges_.top);
+    popupTrace = widened(popupTrace, popupBox());
+    if (popupFrame.empty() || popupEdges.left < 0 || popupEdges.left >= viewWidth) return;
+    const size_t bytes = static_cast<size_t>(std::min(viewWidth - popupEdges.left, popupWidth)) * kPixel;
+    const int64_t first = std::max<int64_t>(0, -int64_t{popupEdges.top});
+    const int64_t end = std::min<int64_t>(popupHeight, int64_t{viewHeight} - popupEdges.top);
     for (int64_t row = first; row < end; ++row) {
-        const size_t target = static_cast<size_t>(popupEdges_.top + row) * static_cast<size_t>(viewWidth_) +
-                              static_cast<size_t>(popupEdges_.left);
-        const size_t source = static_cast<size_t>(row) * static_cast<size_t>(popupWidth_);
-        std::memcpy(composedFrame_.data() + target * kPixel, popupFrame_.data() + source * kPixel, bytes);
+        const size_t target = static_cast<size_t>(popupEdges.top + row) * static_cast<size_t>(viewWidth) +
+                              static_cast<size_t>(popupEdges.left);
+        const size_t source = static_cast<size_t>(row) * static_cast<size_t>(popupWidth);
+        std::memcpy(composedFrame.data() + target * kPixel, popupFrame.data() + source * kPixel, bytes);
     }
 }
 
 /// Scales the icon to its square (bilinear, 32-bit float) and blends it over the frame. Channels are not swapped
 /// although the icon is RGBA and the frame BGRA: the icon is grey.
 void FrameCompositor::drawCloseImage() {
-    closeTrace_ = widened(closeTrace_, closeBox());
-    if (closeImage_.empty() || closeSize_ < 1) return;
-    const auto size = static_cast<float>(closeSize_);
-    const auto imageWidth = static_cast<float>(closeImageWidth_);
-    const auto imageHeight = static_cast<float>(closeImageHeight_);
+    closeTrace = widened(closeTrace, closeBox());
+    if (closeImage.empty() || closeSize < 1) return;
+    const auto size = static_cast<float>(closeSize);
+    const auto imageWidth = static_cast<float>(closeImageWidth);
+    const auto imageHeight = static_cast<float>(closeImageHeight);
     const PixelBox box = closeBox();
     const int64_t firstColumn = std::max<int64_t>(0, -box.x);
-    const int64_t endColumn = std::min<int64_t>(closeSize_, viewWidth_ - box.x);
+    const int64_t endColumn = std::min<int64_t>(closeSize, viewWidth - box.x);
     const int64_t firstRow = std::max<int64_t>(0, -box.y);
-    const int64_t endRow = std::min<int64_t>(closeSize_, viewHeight_ - box.y);
+    const int64_t endRow = std::min<int64_t>(closeSize, viewHeight - box.y);
 
     for (int64_t j = firstRow; j < endRow; ++j) {
         const float sy = (static_cast<float>(j) + 0.5f) * imageHeight / size - 0.5f;
-        const int y0 = std::clamp(static_cast<int>(sy), 0, closeImageHeight_ - 1);
-        const int y1 = std::min(closeImageHeight_ - 1, y0 + 1);
+        const int y0 = std::clamp(static_cast<int>(sy), 0, closeImageHeight - 1);
+        const int y1 = std::min(closeImageHeight - 1, y0 + 1);
         const float fy = sy - std::floor(sy);
-        uint8_t* target = composedFrame_.data() + (static_cast<size_t>(box.y + j) * static_cast<size_t>(viewWidth_) +
-                                                   static_cast<size_t>(box.x + firstColumn)) *
-                                                      kPixel;
+        uint8_t* target = composedFrame.data() + (static_cast<size_t>(box.y + j) * static_cast<size_t>(viewWidth) +
+                                                  static_cast<size_t>(box.x + firstColumn)) *
+                                                     kPixel;
         for (int64_t i = firstColumn; i < endColumn; ++i, target += kPixel) {
             const float sx = (static_cast<float>(i) + 0.5f) * imageWidth / size - 0.5f;
-            const int x0 = std::clamp(static_cast<int>(sx), 0, closeImageWidth_ - 1);
-            const int x1 = std::min(closeImageWidth_ - 1, x0 + 1);
+            const int x0 = std::clamp(static_cast<int>(sx), 0, closeImageWidth - 1);
+            const int x1 = std::min(closeImageWidth - 1, x0 + 1);
             const float fx = sx - std::floor(sx);
             const auto texel = [&](int x, int y) {
-                return closeImage_.data() +
-                       (static_cast<size_t>(y) * static_cast<size_t>(closeImageWidth_) + static_cast<size_t>(x)) *
+                return closeImage.data() +
+                       (static_cast<size_t>(y) * static_cast<size_t>(closeImageWidth) + static_cast<size_t>(x)) *
                            kPixel;
             };
             const uint8_t* corner[] = {texel(x0, y0), texel(x1, y0), texel(x0, y1), texel(x1, y1)};
@@ -275,8 +275,8 @@ void FrameCompositor::drawCloseImage() {
 }
 
 void FrameCompositor::present(const Frame& frame, const PixelBox& dirty) {
-    present_(frame.data(), viewWidth_, viewHeight_, static_cast<int>(dirty.x), static_cast<int>(dirty.y),
-             static_cast<int>(dirty.width), static_cast<int>(dirty.height));
+    presentCallback(frame.data(), viewWidth, viewHeight, static_cast<int>(dirty.x), static_cast<int>(dirty.y),
+                    static_cast<int>(dirty.width), static_cast<int>(dirty.height));
 }
 
 }  // namespace ZEMO::UI

@@ -2,11 +2,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
+#include <utility>
 #include <vector>
 
 #include "core/geometry.h"
 #include "render/pixel_box.h"
+#include "zemo/frame_present.h"
 
 namespace ZEMO::UI {
 
@@ -20,10 +21,7 @@ namespace ZEMO::UI {
 /// and as its last step; its pixels belong to the compositor and are valid only until it returns.
 class FrameCompositor {
 public:
-    /// pixels, frameWidth, frameHeight, dirtyX, dirtyY, dirtyWidth, dirtyHeight. The stride is frameWidth * 4.
-    using Present = std::function<void(const void*, int, int, int, int, int, int)>;
-
-    explicit FrameCompositor(Present present) : present_(std::move(present)) {}
+    explicit FrameCompositor(OsrFramePresentCallback present) : presentCallback(std::move(present)) {}
 
     /// One frame of the page. Always presents; the dirty rectangle is (0, 0, 0, 0) when nothing changed.
     /// Ignored without a buffer or with a side below 1.
@@ -37,10 +35,10 @@ public:
     void onPopupShow(bool show);
 
     /// Only left and top are used: the size comes with the popup's frame.
-    void onPopupRect(const Rect16& edges) { popupEdges_ = edges; }
+    void onPopupRect(const Rect16& edges) { popupEdges = edges; }
 
     /// The next view frame presents as a whole, also when nothing differs. Any thread.
-    void forceFullFrame() { forceFullFrame_.exchange(true); }
+    void forceFullFrame() { fullFrameForced.exchange(true); }
 
     /// Presents null and zeros ("nothing to show any more"); the next composed frame is built from scratch.
     /// Throws std::bad_function_call without a sink.
@@ -58,9 +56,9 @@ private:
     using Frame = std::vector<uint8_t>;
 
     PixelBox findChange(const uint8_t* buffer) const;
-    PixelBox popupBox() const { return {popupEdges_.left, popupEdges_.top, popupWidth_, popupHeight_}; }
+    PixelBox popupBox() const { return {popupEdges.left, popupEdges.top, popupWidth, popupHeight}; }
     PixelBox closeBox() const;
-    PixelBox wholeFrame() const { return {0, 0, viewWidth_, viewHeight_}; }
+    PixelBox wholeFrame() const { return {0, 0, viewWidth, viewHeight}; }
     PixelBox widened(const PixelBox& dirty, const PixelBox& by) const;
     void copyBox(Frame& to, const uint8_t* from, const PixelBox& box) const;
     void compose(PixelBox dirty, bool popupInUse, bool drawCloseButton);
@@ -69,32 +67,32 @@ private:
     void presentPlain(PixelBox dirty);
     void present(const Frame& frame, const PixelBox& dirty);
 
-    Present present_;
-    Frame viewFrame_;      // the page alone
-    Frame popupFrame_;     // empty while no popup is open
-    Frame composedFrame_;  // the page with popup and close icon drawn on it
-    int viewWidth_ = 0;
-    int viewHeight_ = 0;
-    int popupWidth_ = 0;
-    int popupHeight_ = 0;
-    Rect16 popupEdges_;
-    bool popupVisible_ = false;
-    bool composedValid_ = false;  // composedFrame_ follows viewFrame_, so only what changed needs a restore
-    PixelBox previousPopup_;      // as the last composed view frame drew them
-    PixelBox previousClose_;
-    PixelBox popupTrace_;  // bounds of all popup pixels drawn since composedFrame_ was built from scratch
-    PixelBox closeTrace_;  // the same for the close icon
+    OsrFramePresentCallback presentCallback;
+    Frame viewFrame;      // the page alone
+    Frame popupFrame;     // empty while no popup is open
+    Frame composedFrame;  // the page with popup and close icon drawn on it
+    int viewWidth = 0;
+    int viewHeight = 0;
+    int popupWidth = 0;
+    int popupHeight = 0;
+    Rect16 popupEdges;
+    bool popupVisible = false;
+    bool composedValid = false;  // composedFrame follows viewFrame, so only what changed needs a restore
+    PixelBox previousPopup;      // as the last composed view frame drew them
+    PixelBox previousClose;
+    PixelBox popupTrace;  // bounds of all popup pixels drawn since composedFrame was built from scratch
+    PixelBox closeTrace;  // the same for the close icon
 
-    bool popupIntact_ = true;  // composedFrame_ shows the popup where and as the last view frame would draw it
-    bool closeIntact_ = true;  // the same for the close icon
+    bool popupIntact = true;  // composedFrame shows the popup where and as the last view frame would draw it
+    bool closeIntact = true;  // the same for the close icon
 
-    Frame closeImage_;
-    int closeImageWidth_ = 0;
-    int closeImageHeight_ = 0;
-    int closeSize_ = 0;
-    int closeMargin_ = 0;
+    Frame closeImage;
+    int closeImageWidth = 0;
+    int closeImageHeight = 0;
+    int closeSize = 0;
+    int closeMargin = 0;
 
-    std::atomic<bool> forceFullFrame_{false};  // the one field that other threads touch
+    std::atomic<bool> fullFrameForced{false};  // the one field that other threads touch
 };
 
 }  // namespace ZEMO::UI

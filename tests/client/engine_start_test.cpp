@@ -148,11 +148,4 @@ TEST(EngineStart, LanguageText_LanguageAndCountryUnchecked) {
     EXPECT_EQ(buildLanguageText(L"", L""), L"-,");
 }
 
-TEST(EngineStart, DirectoryOfAPath_CutAtTheLastSeparatorOrUsedWhole) {
-    EXPECT_EQ(directoryOf(L"C:\\a\\b.dll"), L"C:\\a");
-    EXPECT_EQ(directoryOf(L"C:/a\\b/c.dll"), L"C:/a\\b");
-    EXPECT_EQ(directoryOf(L"library.dll"), L"library.dll");
-    EXPECT_EQ(directoryOf(L""), L"");
-}
-
 }  // namespace ZEMO::Test

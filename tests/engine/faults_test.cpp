@@ -164,15 +164,41 @@ TEST(Faults, ScriptThatNeverEnds_CloseReturnsAtOnce) {
     EXPECT_TRUE(game.waitFor("the end of frames", [&] { return game.frames.lastFrame().cleared; }));
 }
 
-TEST(Faults, EngineDataMissing_LogNamesTheFileBeforeTheEngineDies) {
-    // The engine ends its process for a missing file, so a process of its own meets it.
-    const HiddenFile hidden(L"icudtl.dat");
-    HelperGame game(programDirectory() / L"ZEMOUIFramework.dll", L"return", programDirectory());
-    // The library writes a second line end of its own; under Wine the dying process then waits for a debugger and is
-    // killed.
-    EXPECT_TRUE(game.waitForLine("log: engine file is missing: icudtl.dat", 30s)) << game.output();
-    ASSERT_TRUE(game.waitForLine("fatal", 30s)) << "the engine ends the process\n" << game.output();
-    EXPECT_EQ(game.output().find("started\n"), std::string::npos) << game.output();
+class NeededFile : public ::testing::TestWithParam<const wchar_t*> {};
+
+TEST_P(NeededFile, Missing_EngineIsNotStartedAndTheGameLives) {
+    // In a process of its own, so that an engine that ends it is seen.
+    const HiddenFile hidden(GetParam());
+    HelperGame game(programDirectory() / L"ZEMOUIFramework.dll", L"return 1000", programDirectory());
+    EXPECT_TRUE(game.waitForLine("leaving", 30s)) << game.output();
+    EXPECT_TRUE(game.waitForEnd(10s)) << game.output();
+    EXPECT_EQ(game.exitCode(), 7u) << game.output();
+    const std::string name = fs::path(GetParam()).string();
+    EXPECT_NE(game.output().find("log: engine file is missing: " + name + "\n"), std::string::npos) << game.output();
+    EXPECT_NE(game.output().find("cef is not started; no view will show a page"), std::string::npos) << game.output();
+    EXPECT_EQ(game.output().find("fatal"), std::string::npos) << game.output();
+    EXPECT_EQ(game.output().find("cef is initialized"), std::string::npos) << game.output();
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, NeededFile,
+                         ::testing::Values(L"chrome_elf.dll", L"icudtl.dat", L"v8_context_snapshot.bin",
+                                           L"cefsubprocess\\locales\\en-US.pak"),
+                         [](const auto& info) {
+                             std::string name = fs::path(info.param).stem().string();
+                             std::erase_if(name, [](char c) { return !isalnum(static_cast<unsigned char>(c)); });
+                             return name;
+                         });
+
+TEST(Faults, ResourcesMissing_LogNamesThemAndPagesAreShown) {
+    const HiddenFile hidden(L"resources.pak");
+    DebugLogCapture log;
+    GameHost game;
+    EXPECT_TRUE(log.contains("engine file is missing: resources.pak\n")) << log.dump();
+    EXPECT_TRUE(log.contains("cef is initialized.")) << log.dump();
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,<style>html{background:rgb(51,68,85)}</style>", events);
+    view->show();
+    EXPECT_TRUE(game.waitFor("the page", [&] { return game.frames.pixel(9, 9) == 0xFF334455u; }));
 }
 
 TEST(Faults, StaleCacheInUse_CleanUpIsLoggedAndTheStartGoesOn) {
@@ -206,6 +232,7 @@ TEST(Faults, EngineLibraryMissing_LibraryStartsWithoutPagesAndSaysWhy) {
     auto view = game.makeView("data:text/html,x", events);
     view->show();
     game.pass(500ms);
+    EXPECT_TRUE(log.contains("engine file is missing: libcef.dll\n")) << log.dump();
     EXPECT_EQ(game.frames.frameCount(), 0u);
     EXPECT_FALSE(view->canGoBack());
     view->close();

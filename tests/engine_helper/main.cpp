@@ -4,7 +4,7 @@
 // With MILLISECONDS it leaves that long after the view was shown, whatever the page has come to. With ADDRESS it opens
 // that page, which must show the same colour. WAY: return, static, global, exit, exit-in-callback,
 // exit-callback-blocked, exitprocess, exitprocess-thread,
-//   exitprocess-engine-blocked, freelibrary, terminate, wait (until killed), drop
+//   exitprocess-engine-blocked, freelibrary, terminate, wait (until killed), drop, return-started-twice
 #include <windows.h>
 
 #include <winternl.h>
@@ -116,6 +116,7 @@ int wmain(int argc, wchar_t** argv) {
                                         nullptr, nullptr, nullptr, nullptr);
     find<void(int)>(library, "_ZN4ZEMO2UI27setUIEngineOsrRenderEnabledEi")(1);
     find<void()>(library, "_ZN4ZEMO2UI13InitUILibraryEv")();
+    if (way == L"return-started-twice") find<void()>(library, "_ZN4ZEMO2UI13InitUILibraryEv")();
     say("started");
     find<void(ZEMO::UI::OsrFramePresentCallback)>(
         library, "_ZN4ZEMO2UI28setUIOsrFramePresentCallbackESt8functionIFvPKviiiiiiEE")(
@@ -200,5 +201,5 @@ int wmain(int argc, wchar_t** argv) {
         pump(60'000, nullptr);
         return kFailed;
     }
-    return kExitCode;  // "return"
+    return kExitCode;  // "return", "return-started-twice"
 }

@@ -4,10 +4,18 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "library/winrt_error_layout.h"
 #include "support/made_up_machine.h"
 #include "zemo/platform.h"
 #include "zemo/winrt_error.h"
+
+#if __has_include(<winrt/base.h>)
+#error "this file is a game's that has no projection"
+#endif
+
+std::vector<size_t> ZEMO::Test::layoutWithoutProjection() { return layoutOf<winrt::hresult_error>(); }
 
 // What is thrown inside the library must be caught by its type in the game.
 namespace {

@@ -27,7 +27,7 @@ struct Consumer {
     int width = 0;
     int height = 0;
 
-    FrameCompositor::Present sink() {
+    OsrFramePresentCallback sink() {
         return [this](const void* pixels, int w, int h, int x, int y, int dw, int dh) {
             Presented call{pixels == nullptr, w, h, {x, y, dw, dh}, {}};
             if (pixels) {

@@ -4,14 +4,21 @@
 
 #include <filesystem>
 
+#include "core/module_paths.h"
 #include "support/debug_log.h"
+#include "support/import_replaced.h"
 
 namespace ZEMO::Core {
 namespace {
 
-// Stands for a library whose place the system can't tell, which can't be provoked.
-std::wstring unknownPlace(const std::wstring&) { return {}; }
-std::wstring koreanPlace(const std::wstring& relativePath) { return L"C:\\게임 폴더\\" + relativePath; }
+using Test::ImportReplaced;
+
+// A library whose place the system can't tell can't be provoked, and this program lies where it lies.
+DWORD WINAPI noName(HMODULE, wchar_t*, DWORD) { return SetLastError(ERROR_INVALID_HANDLE), 0u; }
+DWORD WINAPI koreanName(HMODULE, wchar_t* buffer, DWORD size) {
+    wcscpy_s(buffer, size, L"C:\\게임 폴더\\library.dll");
+    return static_cast<DWORD>(wcslen(buffer));
+}
 
 }  // namespace
 
@@ -26,17 +33,19 @@ TEST(AssetPaths, CloseBitmap_BesideThisModule) {
 }
 
 TEST(AssetPaths, PathWithKoreanLetters_UtfEightAndWide) {
-    EXPECT_EQ(closeIconPath(&koreanPlace),
-              "C:\\게임 폴더\\resources\\html\\x_button\\common-btn-icon-webview-x@2x.png");
-    EXPECT_EQ(closeBitmapPath(&koreanPlace), L"C:\\게임 폴더\\resources\\html\\x_button\\xbtn.bmp");
+    const ImportReplaced place("GetModuleFileNameW", &koreanName);
+    EXPECT_EQ(closeIconPath(), "C:\\게임 폴더\\resources\\html\\x_button\\common-btn-icon-webview-x@2x.png");
+    EXPECT_EQ(closeBitmapPath(), L"C:\\게임 폴더\\resources\\html\\x_button\\xbtn.bmp");
 }
 
-TEST(AssetPaths, PlaceUnknown_EmptyWithOneLogLineEach) {
+TEST(AssetPaths, PlaceUnknown_EmptyWithALogLineEach) {
+    const ImportReplaced place("GetModuleFileNameW", &noName);
     ZEMO::Test::DebugLogCapture log;
-    EXPECT_EQ(closeIconPath(&unknownPlace), "");
-    EXPECT_EQ(closeBitmapPath(&unknownPlace), L"");
-    EXPECT_EQ(log.texts(), (std::vector<std::string>{"Error: Could not resolve X Button asset path.",
-                                                     "Error: Could not resolve Alt X Button asset path."}));
+    EXPECT_EQ(closeIconPath(), "");
+    EXPECT_EQ(log.texts().back(), "Error: Could not resolve X Button asset path.") << log.dump();
+    EXPECT_EQ(closeBitmapPath(), L"");
+    EXPECT_EQ(log.texts().back(), "Error: Could not resolve Alt X Button asset path.") << log.dump();
+    EXPECT_EQ(log.count("Error: Could not determine base directory for relative path resolution."), 2u) << log.dump();
 }
 
 TEST(AssetPaths, PlaceKnown_NothingLogged) {

@@ -1,13 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "browser/default_browser.h"
 #include "helpers/stand_in_browser_stage.h"
 #include "support/debug_log.h"
+#include "support/import_replaced.h"
 
 namespace ZEMO::UI {
 namespace {
 
 using Test::DebugLogCapture;
+using Test::ImportReplaced;
 using Test::StandInBrowserStage;
 
 constexpr ASSOCF kFlags = ASSOCF_INIT_IGNOREUNKNOWN;
@@ -71,6 +76,60 @@ TEST(DefaultBrowser, NothingIsRegistered_EmptyAndLogged) {
                                                      "getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=https)",
                                                      "getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=http)"}))
         << log.dump();
+}
+
+// What the system is asked leaves no other trace, and it never takes back a size that it told; so this program's import
+// of the query is replaced.
+struct Question {
+    ASSOCF flags;
+    ASSOCSTR what;
+    std::wstring assoc;
+    bool asksForSize;
+    DWORD size;
+    bool operator==(const Question&) const = default;
+};
+std::vector<Question> questions;
+DWORD toldSize = 0;
+HRESULT WINAPI refusedUnlessFixed(ASSOCF flags, ASSOCSTR what, const wchar_t* assoc, const wchar_t*, wchar_t* out,
+                                  DWORD* size) {
+    questions.push_back({flags, what, assoc, out == nullptr, *size});
+    if (!out) return *size = toldSize, S_FALSE;
+    if (*size != 1024) return E_POINTER;
+    wcscpy_s(out, *size, L"C:\\grown meanwhile.exe");
+    return S_OK;
+}
+HRESULT WINAPI unknownToAll(ASSOCF flags, ASSOCSTR what, const wchar_t* assoc, const wchar_t*, wchar_t* out,
+                            DWORD* size) {
+    questions.push_back({flags, what, assoc, out == nullptr, *size});
+    return HRESULT_FROM_WIN32(ERROR_NO_ASSOCIATION);
+}
+
+TEST(DefaultBrowser, EveryQuery_CarriesTheFlagThatIgnoresUnknownSchemes) {
+    const ImportReplaced noted("AssocQueryStringW", &unknownToAll);
+    questions.clear();
+    EXPECT_EQ(getDefaultBrowserPath(L"https"), L"");
+    const std::vector<Question> expected = {
+        {1024, ASSOCSTR_EXECUTABLE, L"https", true, 0}, {1024, ASSOCSTR_EXECUTABLE, L"https", false, 1024},
+        {1024, ASSOCSTR_EXECUTABLE, L"http", true, 0},  {1024, ASSOCSTR_EXECUTABLE, L"http", false, 1024},
+        {1024, ASSOCSTR_COMMAND, L"https", true, 0},    {1024, ASSOCSTR_COMMAND, L"https", false, 1024},
+        {1024, ASSOCSTR_COMMAND, L"http", true, 0},     {1024, ASSOCSTR_COMMAND, L"http", false, 1024},
+    };
+    EXPECT_EQ(questions, expected);
+}
+
+TEST(AssocQuery, ToldSizeIsRefused_AskedAgainWithAFixedBuffer) {
+    const ImportReplaced refused("AssocQueryStringW", &refusedUnlessFixed);
+    for (const DWORD told : {0u, 1u, 300u, 32768u, 32769u}) {
+        toldSize = told;
+        questions.clear();
+        EXPECT_EQ(assocQuery(kFlags, ASSOCSTR_EXECUTABLE, L"https"), L"C:\\grown meanwhile.exe") << told;
+        const bool fits = told >= 1 && told <= 32768;
+        ASSERT_EQ(questions.size(), fits ? 3u : 2u) << told;
+        if (fits) {
+            EXPECT_EQ(questions[1].size, told);
+        }
+        EXPECT_EQ(questions.back().size, 1024u) << told;
+    }
 }
 
 TEST(AssocQuery, NullOrEmptyAssociation_Empty) {

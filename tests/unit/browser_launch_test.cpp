@@ -234,7 +234,7 @@ void runCase(StandInBrowserStage& stage, const LaunchCase& row) {
     Launch launch;
     launch.state->hasKeyboard = row.hasKeyboard;
     if (row.answer != NoCallback) launch.answer(row.answer == True);
-    ASSERT_TRUE(launch.run(row.window == Private ? openIncognitoExternalBrowser : openExternalBrowser, url));
+    ASSERT_TRUE(launch.run(row.window == Private ? launchIncognitoBrowser : launchBrowser, url));
     const std::vector<BrowserStart> starts = stage.takeStarts();
     stage.stopRunning();
 
@@ -294,9 +294,9 @@ TEST(BrowserLaunch, UpperCaseScheme_LookedUpAsHttp) {
     stage.setCommand(L"https", L"\"" + stage.install(L"firefox.exe") + L"\" \"%1\"");
 
     Launch launch;
-    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "HTTPS://x"));
-    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "https://x"));
-    ASSERT_TRUE(launch.run(openIncognitoExternalBrowser, "http://x"));
+    ASSERT_TRUE(launch.run(launchIncognitoBrowser, "HTTPS://x"));
+    ASSERT_TRUE(launch.run(launchIncognitoBrowser, "https://x"));
+    ASSERT_TRUE(launch.run(launchIncognitoBrowser, "http://x"));
     std::vector<std::vector<std::string>> seen;
     for (const BrowserStart& start : stage.takeStarts()) {
         auto line = start.arguments;
@@ -309,7 +309,7 @@ TEST(BrowserLaunch, UpperCaseScheme_LookedUpAsHttp) {
                                                            {"firefox.exe", "-private-window", "https://x"}}));
 
     // the rule of the long address looks at http as well, whose browser is the cold one
-    ASSERT_TRUE(launch.run(openExternalBrowser, addressOf(801, "HTTPS")));
+    ASSERT_TRUE(launch.run(launchBrowser, addressOf(801, "HTTPS")));
     const auto redirected = stage.takeStarts();
     ASSERT_EQ(redirected.size(), 1u);
     ASSERT_EQ(redirected[0].arguments.size(), 1u);
@@ -320,7 +320,7 @@ TEST(BrowserLaunch, LauncherIsDefault_FlagFailureIsLoggedAndOrdinaryWindowOpens)
     StandInBrowserStage stage;
     stage.makeDefault(L"rundll32.exe");
     DebugLogCapture log;
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, "https://x/"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{"https://x/"});
@@ -333,14 +333,14 @@ TEST(BrowserLaunch, LauncherIsDefault_FlagFailureIsLoggedAndOrdinaryWindowOpens)
 TEST(BrowserLaunch, NoDefaultBrowser_BothFailuresAreLoggedAndNothingStarts) {
     StandInBrowserStage stage;
     DebugLogCapture log;
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, "https://x/"));
     EXPECT_EQ(wideTexts(log), (std::vector<std::string>{
                                   "getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=https)",
                                   "openIncognitoBrowser: 사생활 모드 플래그 결정 실패. exePath=[] exeName=[]",
                               }))
         << log.dump();
     log.clear();
-    ASSERT_TRUE(Launch().run(openExternalBrowser, "http://x/"));
+    ASSERT_TRUE(Launch().run(launchBrowser, "http://x/"));
     EXPECT_EQ(wideTexts(log), std::vector<std::string>{"getDefaultBrowserPath: 기본 브라우저 해석 실패 (scheme=http)"})
         << log.dump();
     EXPECT_TRUE(stage.takeStarts().empty());
@@ -352,7 +352,7 @@ TEST(BrowserLaunch, PrivateStartFails_IsLoggedAndOrdinaryWindowOpens) {
     const std::wstring path = stage.install(L"Browser.dat");
     stage.makeDefault(L"Browser.dat");
     DebugLogCapture log;
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "https://x/"));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, "https://x/"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].executable, toUtf8(path));
@@ -366,10 +366,10 @@ TEST(BrowserLaunch, EmptyAddress_IsLoggedWithItsLengthAndNothingStarts) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
     DebugLogCapture log;
-    ASSERT_TRUE(Launch().run(openExternalBrowser, ""));
+    ASSERT_TRUE(Launch().run(launchBrowser, ""));
     EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openBrowser: URL 변환 실패로 중단 (length=0)"}) << log.dump();
     log.clear();
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, ""));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, ""));
     EXPECT_EQ(wideTexts(log), std::vector<std::string>{"openIncognitoBrowser: URL 변환 실패로 중단 (length=0)"})
         << log.dump();
     EXPECT_TRUE(stage.takeStarts().empty());
@@ -378,11 +378,11 @@ TEST(BrowserLaunch, EmptyAddress_IsLoggedWithItsLengthAndNothingStarts) {
 TEST(BrowserLaunch, InvalidUtf8AndKorean_LaunchGoesOn) {
     StandInBrowserStage stage;
     stage.makeDefault(L"firefox.exe");
-    ASSERT_TRUE(Launch().run(openExternalBrowser, "http://x/\xff?q=한글"));
+    ASSERT_TRUE(Launch().run(launchBrowser, "http://x/\xff?q=한글"));
     auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{"http://x/\uFFFD?q=한글"});
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "http://x/\xff?q=한글"));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, "http://x/\xff?q=한글"));
     starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, (std::vector<std::string>{"-private-window", "http://x/\uFFFD?q=한글"}));
@@ -391,7 +391,7 @@ TEST(BrowserLaunch, InvalidUtf8AndKorean_LaunchGoesOn) {
 TEST(BrowserLaunch, PrivateAddressWithBlanks_OneArgumentInQuotes) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
-    ASSERT_TRUE(Launch().run(openIncognitoExternalBrowser, "http://x/a b  c"));
+    ASSERT_TRUE(Launch().run(launchIncognitoBrowser, "http://x/a b  c"));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, (std::vector<std::string>{"--incognito", "http://x/a b  c"}));
@@ -400,7 +400,7 @@ TEST(BrowserLaunch, PrivateAddressWithBlanks_OneArgumentInQuotes) {
 TEST(BrowserLaunch, SettingsWithoutQuestions_SystemBrowserOpens) {
     StandInBrowserStage stage;
     stage.makeDefault(L"chrome.exe");
-    openExternalBrowser(addressOf(801), {});
+    launchBrowser(addressOf(801), {});
     ASSERT_TRUE(stage.waitForStarts(1));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
@@ -423,15 +423,15 @@ TEST(BrowserLaunch, CallbackBlocks_CallsReturnAndRunBesideEachOther) {
     const auto shared = std::make_shared<Shared>();
     for (int i = 0; i < 4; ++i) {
         const std::shared_ptr<void> token(nullptr, [shared](void*) { ReleaseSemaphore(shared->ended, 1, nullptr); });
-        openExternalBrowser("http://x", {[token, shared] {
-                                             return OpenExternalBrowserCallback([shared](const auto&) {
-                                                 ++shared->threads;
-                                                 ReleaseSemaphore(shared->entered, 1, nullptr);
-                                                 WaitForSingleObject(shared->go, 60000);
-                                                 return true;
-                                             });
-                                         },
-                                         {}});
+        launchBrowser("http://x", {[token, shared] {
+                                       return OpenExternalBrowserCallback([shared](const auto&) {
+                                           ++shared->threads;
+                                           ReleaseSemaphore(shared->entered, 1, nullptr);
+                                           WaitForSingleObject(shared->go, 60000);
+                                           return true;
+                                       });
+                                   },
+                                   {}});
     }
     for (int i = 0; i < 4; ++i) ASSERT_EQ(WaitForSingleObject(shared->entered, 30000), WAIT_OBJECT_0) << "only " << i;
     EXPECT_EQ(shared->threads, 4);
@@ -449,7 +449,7 @@ TEST(BrowserLaunch, CallbackChangesKeyboard_SameLaunchSeesIt) {
         held->hasKeyboard = true;
         return false;
     };
-    ASSERT_TRUE(launch.run(openExternalBrowser, addressOf(801)));
+    ASSERT_TRUE(launch.run(launchBrowser, addressOf(801)));
     const auto starts = stage.takeStarts();
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{addressOf(801)});

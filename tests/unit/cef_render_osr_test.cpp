@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "portable/frame_consumer.h"
+#include "support/import_replaced.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -12,21 +15,21 @@ constexpr int64_t kS = 1'000'000'000;
 constexpr int kWidth = 200;
 constexpr int kHeight = 120;
 
+using Test::ImportReplaced;
+
 int64_t fakeNow = 0;
 
-/// A clock that only the test moves, at 0.
+BOOL WINAPI fakeCounter(LARGE_INTEGER* count) { return count->QuadPart = fakeNow, TRUE; }
+BOOL WINAPI fakeFrequency(LARGE_INTEGER* frequency) { return frequency->QuadPart = kS, TRUE; }
+
+/// The counter behind the steady clock as only the test moves it, in nanoseconds, at 0.
 class FakeClock {
 public:
-    FakeClock() {
-        fakeNow = 0;
-        renderClock = [] { return fakeNow; };
-    }
-    ~FakeClock() { renderClock = systemClock; }
-    FakeClock(const FakeClock&) = delete;
-    FakeClock& operator=(const FakeClock&) = delete;
+    FakeClock() { fakeNow = 0; }
 
 private:
-    int64_t (*const systemClock)() = renderClock;
+    ImportReplaced counter{"QueryPerformanceCounter", &fakeCounter};
+    ImportReplaced frequency{"QueryPerformanceFrequency", &fakeFrequency};
 };
 
 /// A view that was made at time 0.
@@ -63,12 +66,11 @@ constexpr Rect kNothing{};
 
 }  // namespace
 
-TEST(RenderOsrClock, TheSystems_MovesInNanoseconds) {
-    const int64_t before = renderClock();
-    Sleep(20);
-    const int64_t passed = renderClock() - before;
-    EXPECT_GE(passed, 10 * kMs);
-    EXPECT_LT(passed, 60 * kS);
+TEST_F(RenderOsr, ClockOfTheTest_IsTheSteadyOneInNanoseconds) {
+    for (const int64_t moment : {int64_t{0}, int64_t{1}, 100 * kMs - 1, 5 * kS + 1}) {
+        fakeNow = moment;
+        EXPECT_EQ(std::chrono::steady_clock::now().time_since_epoch(), std::chrono::nanoseconds(moment));
+    }
 }
 
 TEST_F(RenderOsr, NewView_AsksOnceAtOnce) {

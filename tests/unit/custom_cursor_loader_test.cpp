@@ -68,10 +68,24 @@ std::optional<Loaded> describe(HCURSOR handle) {
     return loaded;
 }
 
+// Where this program seems to lie, as far as it asks for the module that holds the loader.
+std::wstring modulePath;
+DWORD WINAPI namedModule(HMODULE module, wchar_t* path, DWORD size) {
+    if (!module) {
+        return ZEMO::Test::systemFunction<decltype(GetModuleFileNameW)>(L"kernel32.dll", "GetModuleFileNameW")(
+            module, path, size);
+    }
+    path[modulePath.copy(path, size - 1)] = L'\0';
+    return static_cast<DWORD>(modulePath.size());
+}
+
 class CustomCursor : public testing::Test {
 protected:
+    CustomCursor() { modulePath = directory.path().wstring() + L"\\library.dll"; }
+
     ZEMO::Test::ScratchDirectory directory;
-    CustomCursorLoader loader{directory.path().wstring()};
+    CustomCursorLoader loader;
+    const ZEMO::Test::ImportReplaced place{"GetModuleFileNameW", &namedModule};
 
     std::optional<Loaded> load() { return describe(loader.load()); }
     Size loadedSize() {
@@ -296,7 +310,7 @@ TEST_F(CustomCursor, LoaderGone_CursorDestroyed) {
     directory.write(kCur, goodCur());
     HCURSOR handle = nullptr;
     {
-        CustomCursorLoader shortLived(directory.path().wstring());
+        CustomCursorLoader shortLived;
         handle = shortLived.load();
         ASSERT_TRUE(describe(handle));
     }
@@ -308,7 +322,7 @@ TEST_F(CustomCursor, TwoThreadsAtATime_BothGetTheirPng) {
     int taken[2] = {};
     const auto work = [&](int& count) {
         for (int i = 0; i < 20; ++i) {
-            CustomCursorLoader own(directory.path().wstring());
+            CustomCursorLoader own;
             count += describe(own.load()).has_value();
         }
     };

@@ -80,6 +80,60 @@ TEST(ModuleFailure, ExecutableUnknownToo_RelativePathIsEmptyAndEachStepIsLogged)
                                          "Error: Could not determine base directory for relative path resolution."));
 }
 
+TEST(ModuleFailure, ModuleUnknown_BaseDirectoryIsTheExecutablesAndOnlyTheModuleIsLogged) {
+    const std::wstring directory = libraryBaseDirectory();
+    EXPECT_EQ(directory, getOwnModuleDirectory());
+    const ImportReplaced failing("GetModuleHandleExW", &noHandle);
+    const DebugLogCapture log;
+    EXPECT_EQ(libraryBaseDirectory(Failures::Silent), directory);
+    EXPECT_THAT(log.texts(), IsEmpty());
+    EXPECT_EQ(libraryBaseDirectory(), directory);
+    EXPECT_THAT(log.texts(), ElementsAre("GetModuleHandleEx failed: 126"));
+}
+
+TEST(ModuleFailure, ExecutableUnknownToo_BaseDirectoryIsEmpty) {
+    const ImportReplaced failing("GetModuleFileNameW", &noName);
+    const DebugLogCapture log;
+    EXPECT_EQ(libraryBaseDirectory(), L"");
+    EXPECT_THAT(log.texts(), ElementsAre("GetModuleFileNameW failed or truncated: 6"));
+}
+
+// The module's own path is refused for its length; the executable's is answered as `told`.
+const wchar_t* told = L"";
+DWORD WINAPI toldName(HMODULE module, wchar_t* buffer, DWORD size) {
+    if (module) return SetLastError(ERROR_INSUFFICIENT_BUFFER), size;
+    wcscpy_s(buffer, size, told);
+    return static_cast<DWORD>(wcslen(told));
+}
+
+TEST(ModuleFailure, BaseDirectory_CutBeforeTheLastSeparatorOfEitherKind) {
+    struct Case {
+        const wchar_t* path;
+        const wchar_t* directory;
+    };
+    const Case cases[] = {
+        {L"C:\\game\\play.exe", L"C:\\game"}, {L"C:/game/play.exe", L"C:/game"},
+        {L"C:\\a/b\\c/d.exe", L"C:\\a/b\\c"}, {L"C:\\play.exe", L"C:"},
+        {L"play.exe", L"play.exe"},
+    };
+    ASSERT_EQ(std::size(cases), 5u);
+    const ImportReplaced failing("GetModuleFileNameW", &toldName);
+    for (const auto& [path, directory] : cases) {
+        told = path;
+        EXPECT_EQ(libraryBaseDirectory(Failures::Silent), directory);
+    }
+}
+
+TEST(ModuleFailure, ExecutableWithoutADirectory_NoParentLogged) {
+    const ImportReplaced failing("GetModuleFileNameW", &toldName);
+    told = L"play.exe";
+    const DebugLogCapture log;
+    EXPECT_EQ(getOwnModuleDirectory(), L"");
+    EXPECT_THAT(log.texts(), ElementsAre("GetModuleFileNameW failed or truncated: 122",
+                                         "getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)",
+                                         "Failed to get parent path from module path."));
+}
+
 TEST(ModuleFailure, DirectoryUnknown_LocalHtmlPathIsEmpty) {
     const ImportReplaced failing("GetModuleFileNameW", &noName);
     const DebugLogCapture log;

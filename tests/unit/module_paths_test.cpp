@@ -17,7 +17,6 @@ namespace {
 using Test::DebugLogCapture;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 // These tests are linked with the library's objects: the module that holds the functions is this very program.
@@ -85,36 +84,6 @@ TEST(ModuleDirectory, WorkingDirectoryElsewhere_SameAnswer) {
     ASSERT_TRUE(SetCurrentDirectoryW(L"C:\\"));
     EXPECT_EQ(getOwnModuleDirectory(), programDirectory());
     EXPECT_TRUE(SetCurrentDirectoryW(before));
-}
-
-// The buffer of the library holds 260 characters; the same step with a buffer that the own path fills exactly.
-TEST(ModuleDirectory, PathFillsTheBufferExactly_ExecutableStandsIn) {
-    DebugLogCapture log;
-    const std::wstring path = programPath();
-    std::vector<wchar_t> buffer(path.size() + 1, L'\0');
-    const std::wstring directory = moduleDirectoryThrough(buffer.data(), static_cast<DWORD>(path.size()));
-    EXPECT_EQ(directory, programDirectory());
-    EXPECT_THAT(log.texts(), ElementsAre("GetModuleFileNameW failed or truncated: 122",
-                                         "getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)"));
-}
-
-TEST(ModuleDirectory, BufferOfNoCharacter_FallbackFailsTooAndBothAreLogged) {
-    DebugLogCapture log;
-    wchar_t none[1] = {};
-    EXPECT_EQ(moduleDirectoryThrough(none, 0), L"");
-    const auto texts = log.texts();
-    ASSERT_EQ(texts.size(), 3u) << log.dump();
-    EXPECT_THAT(texts[0], MatchesRegex("GetModuleFileNameW failed or truncated: \\d+"));
-    EXPECT_EQ(texts[1], "getOwnModulePath failed, falling back to GetModuleFileName(NULL, ...)");
-    EXPECT_THAT(texts[2], MatchesRegex("Fallback GetModuleFileName\\(NULL, \\.\\.\\.\\) failed\\. Error: \\d+"));
-}
-
-TEST(ModuleDirectory, PathCutBeforeAnySeparator_NoParentLogged) {
-    DebugLogCapture log;
-    wchar_t buffer[2] = {};
-    EXPECT_EQ(moduleDirectoryThrough(buffer, 1), L"");
-    ASSERT_FALSE(log.texts().empty());
-    EXPECT_EQ(log.texts().back(), "Failed to get parent path from module path.");
 }
 
 TEST(RelativePath, ForwardSlashes_NativeSeparatorsUnderTheModulesDirectory) {

@@ -1,15 +1,21 @@
 #include <gtest/gtest.h>
 
-#include "core/platform_port.h"
+#include <winsock2.h>
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
 #include "support/debug_log.h"
+#include "support/import_replaced.h"
 #include "zemo/platform.h"
 
 namespace {
 
-using ZEMO::Core::findFreePort;
-using ZEMO::Core::PortCalls;
 using ZEMO::Platform::Misc::GetDynamicPort;
 using ZEMO::Test::DebugLogCapture;
+using ZEMO::Test::ImportReplaced;
 using Lines = std::vector<std::string>;
 
 TEST(PlatformPort, Asked_GivesAPortThatCanBeBound) {
@@ -35,21 +41,26 @@ TEST(PlatformPort, Asked_GivesAPortThatCanBeBound) {
 
 // The real calls, counted.
 int started = 0, ended = 0;
+decltype(&::WSAStartup) realStartup = nullptr;
+decltype(&::WSACleanup) realCleanup = nullptr;
+int WSAAPI countedStartup(WORD version, WSADATA* data) {
+    const int failed = realStartup(version, data);
+    started += failed == 0;
+    return failed;
+}
+int WSAAPI countedCleanup() {
+    const int failed = realCleanup();
+    ended += failed == 0;
+    return failed;
+}
 
 TEST(PlatformPort, Done_SocketLibraryIsGivenBack) {
-    PortCalls counted;
-    counted.startup = [](WORD version, WSADATA* data) {
-        const int failed = WSAStartup(version, data);
-        started += failed == 0;
-        return failed;
-    };
-    counted.cleanup = [] {
-        const int failed = WSACleanup();
-        ended += failed == 0;
-        return failed;
-    };
+    const ImportReplaced startup("WSAStartup", &countedStartup);
+    const ImportReplaced cleanup("WSACleanup", &countedCleanup);
+    realStartup = startup.original<decltype(realStartup)>();
+    realCleanup = cleanup.original<decltype(realCleanup)>();
     started = ended = 0;
-    EXPECT_NE(findFreePort(counted), "");
+    EXPECT_NE(GetDynamicPort(), "");
     EXPECT_EQ(started, 1);
     EXPECT_EQ(ended, 1);
 }
@@ -63,36 +74,32 @@ int answer(const char* name, int failure) {
     return failing == name ? failure : 0;
 }
 
-PortCalls failingCalls() {
-    PortCalls made;
-    made.startup = [](WORD version, WSADATA*) {
-        EXPECT_EQ(version, 0x0202);
-        return answer("startup", WSASYSNOTREADY);
-    };
-    made.open = [](int family, int type, int protocol) -> SOCKET {
-        EXPECT_TRUE(family == AF_INET && type == SOCK_STREAM && protocol == IPPROTO_TCP);
-        return answer("open", -1) ? INVALID_SOCKET : 77;
-    };
-    made.bindTo = [](SOCKET handle, const sockaddr* name, int size) {
-        const auto* address = reinterpret_cast<const sockaddr_in*>(name);
-        EXPECT_EQ(handle, 77u);
-        EXPECT_EQ(size, static_cast<int>(sizeof(sockaddr_in)));
-        EXPECT_EQ(address->sin_family, AF_INET);
-        EXPECT_EQ(address->sin_addr.s_addr, inet_addr("127.0.0.1"));
-        EXPECT_EQ(address->sin_port, 0);
-        return answer("bind", SOCKET_ERROR);
-    };
-    made.name = [](SOCKET, sockaddr* name, int*) {
-        reinterpret_cast<sockaddr_in*>(name)->sin_port = htons(50123);
-        return answer("name", SOCKET_ERROR);
-    };
-    made.close = [](SOCKET handle) {
-        EXPECT_EQ(handle, 77u);
-        return answer("close", 0);
-    };
-    made.cleanup = [] { return answer("cleanup", 0); };
-    return made;
+int WSAAPI notedStartup(WORD version, WSADATA*) {
+    EXPECT_EQ(version, 0x0202);
+    return answer("startup", WSASYSNOTREADY);
 }
+SOCKET WSAAPI notedSocket(int family, int type, int protocol) {
+    EXPECT_TRUE(family == AF_INET && type == SOCK_STREAM && protocol == IPPROTO_TCP);
+    return answer("open", -1) ? INVALID_SOCKET : 77;
+}
+int WSAAPI notedBind(SOCKET handle, const sockaddr* name, int size) {
+    const auto* address = reinterpret_cast<const sockaddr_in*>(name);
+    EXPECT_EQ(handle, 77u);
+    EXPECT_EQ(size, static_cast<int>(sizeof(sockaddr_in)));
+    EXPECT_EQ(address->sin_family, AF_INET);
+    EXPECT_EQ(address->sin_addr.s_addr, inet_addr("127.0.0.1"));
+    EXPECT_EQ(address->sin_port, 0);
+    return answer("bind", SOCKET_ERROR);
+}
+int WSAAPI notedName(SOCKET, sockaddr* name, int*) {
+    reinterpret_cast<sockaddr_in*>(name)->sin_port = htons(50123);
+    return answer("name", SOCKET_ERROR);
+}
+int WSAAPI notedClose(SOCKET handle) {
+    EXPECT_EQ(handle, 77u);
+    return answer("close", 0);
+}
+int WSAAPI notedCleanup() { return answer("cleanup", 0); }
 
 TEST(PlatformPort, StepFails_ItsLineIsLoggedAndTheRestGivenBack) {
     const struct {
@@ -107,11 +114,13 @@ TEST(PlatformPort, StepFails_ItsLineIsLoggedAndTheRestGivenBack) {
         {"name", "", "GetDynamicPort: getsockname() failed\n", "startup open bind name close cleanup"},
         {"none", "50123", "GetDynamicPort: success. port=50123\n", "startup open bind name close cleanup"},
     };
+    const ImportReplaced startup("WSAStartup", &notedStartup), open("socket", &notedSocket), bound("bind", &notedBind),
+        name("getsockname", &notedName), close("closesocket", &notedClose), cleanup("WSACleanup", &notedCleanup);
     for (const auto& row : kRows) {
         DebugLogCapture log;
         calls.clear();
         failing = row.step;
-        EXPECT_EQ(findFreePort(failingCalls()), row.port) << row.step;
+        EXPECT_EQ(GetDynamicPort(), row.port) << row.step;
         EXPECT_EQ(log.texts(), Lines{row.line}) << row.step;
         EXPECT_EQ(calls, row.calls) << row.step;
     }

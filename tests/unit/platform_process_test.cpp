@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <tlhelp32.h>
+
 #include <cctype>
 #include <string>
 #include <vector>
 
 #include "core/platform_text.h"
 #include "support/helper_process.h"
+#include "support/import_replaced.h"
 #include "zemo/platform.h"
 
 namespace {
@@ -93,6 +96,31 @@ TEST(PlatformProcess, OnlyAPartOfTheName_NotFound) {
     EXPECT_EQ(getProcessorID("x" + name), 0);
     EXPECT_EQ(getProcessorID(ZEMO::Core::wideToUtf8(program.path())), 0);
     EXPECT_EQ(getProcessorID(name), static_cast<long>(process.id()));
+}
+
+// A snapshot that fails can't be provoked: this program's imports are replaced.
+int walks = 0;
+HANDLE WINAPI noSnapshot(DWORD flags, DWORD process) {
+    EXPECT_EQ(flags, DWORD{TH32CS_SNAPPROCESS});
+    EXPECT_EQ(process, 0u);
+    return SetLastError(ERROR_NOT_ENOUGH_MEMORY), INVALID_HANDLE_VALUE;
+}
+BOOL WINAPI countedFirst(HANDLE, PROCESSENTRY32W*) { return ++walks, FALSE; }
+
+BOOL WINAPI unexpectedClose(HANDLE handle) { return ADD_FAILURE() << "closed " << handle, FALSE; }
+
+TEST(PlatformProcess, NoSnapshot_ZeroAndNothingIsWalkedOrClosed) {
+    wchar_t own[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    const std::wstring path = own;
+    const std::string name = ZEMO::Core::wideToUtf8(path.substr(path.find_last_of(L"\\/") + 1));
+    ASSERT_NE(getProcessorID(name), 0);
+    const ImportReplaced failing("CreateToolhelp32Snapshot", &noSnapshot);
+    const ImportReplaced first("Process32FirstW", &countedFirst);
+    const ImportReplaced close("CloseHandle", &unexpectedClose);
+    walks = 0;
+    EXPECT_EQ(getProcessorID(name), 0);
+    EXPECT_EQ(walks, 0);
 }
 
 TEST(PlatformProcess, NothingOfTheName_Zero) {

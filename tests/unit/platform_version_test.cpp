@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -111,6 +112,24 @@ TEST(PlatformOsVersion, NoUsableMajor_FileVersionOfKernel) {
         machine.stand();
         EXPECT_EQ(getOsVersion(), kernelVersion());
     }
+}
+
+// Every system since Windows 2000 has the function: this program's look-ups by name are answered without it.
+decltype(&::GetProcAddress) realLookUp = nullptr;
+FARPROC WINAPI withoutTrueVersion(HMODULE module, const char* name) {
+    if (std::strcmp(name, "RtlGetVersion") == 0) return SetLastError(ERROR_PROC_NOT_FOUND), nullptr;
+    return realLookUp(module, name);
+}
+
+TEST(PlatformOsVersion, SystemHasNoTrueVersion_FileVersionOfKernel) {
+    MadeUpMachine machine;
+    machine.setNumber(kKey, kMajor, 10);
+    machine.setNumber(kKey, L"UBR", 7);
+    machine.stand();
+    ASSERT_NE(kernelVersion(), trueVersion(7));
+    const ImportReplaced missing("GetProcAddress", &withoutTrueVersion);
+    realLookUp = missing.original<decltype(realLookUp)>();
+    EXPECT_EQ(getOsVersion(), kernelVersion());
 }
 
 TEST(PlatformAppVersion, ExecutableWithResource_ItsProductVersion) {

@@ -2,15 +2,20 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <string>
 #include <vector>
 
 #include "support/helper_process.h"
+#include "support/import_replaced.h"
+#include "zemo/platform.h"
 
 // The answers are kept for the life of a process, so that each test asks in a process of its own, the probe.
 namespace {
 
 using namespace ZEMO::Test;
+using namespace ZEMO::Platform::Misc;
 using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
@@ -141,6 +146,25 @@ TEST(PlatformWmi, ObjectsAndProperties_GiveWhatIsText) {
         EXPECT_THAT(results, ElementsAre(std::string("getDeviceModel value ") + row.model,
                                          std::string("getGPUModelList value ") + row.gpus, "wmi live 0"));
     }
+}
+
+// A machine without the locator can't be had: this process's import of its creation is replaced. What is known already
+// is kept for the life of a process, so a process that asked before has nothing to see here.
+int locators = 0;
+HRESULT WINAPI noLocator(REFCLSID, IUnknown*, DWORD, REFIID, void** object) {
+    return ++locators, *object = nullptr, REGDB_E_CLASSNOTREG;
+}
+
+TEST(PlatformWmi, NoLocator_BothAreEmptyAskedAgainNextTimeAndComIsGivenBack) {
+    const ImportReplaced failing("CoCreateInstance", &noLocator);
+    locators = 0;
+    for (int call = 1; call <= 2; ++call) {
+        EXPECT_EQ(getDeviceModel(), "");
+        EXPECT_TRUE(getGPUModelList().empty());
+        EXPECT_EQ(locators, 2 * call);
+    }
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK) << "this thread is in no apartment";
+    CoUninitialize();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <format>
 #include <fstream>
@@ -139,6 +140,41 @@ TEST_F(RuntimeSelection, CleanUp_FileInUse_ThrowsRemoveAll) {
     CloseHandle(held);
 }
 
+// A directory that stops answering half way can't be had: the answers of the runtime library are the test's.
+bool entrySeen = false;
+decltype(&::_wfindnext64) realNext = nullptr;
+int failAfterAnEntry(intptr_t search, _wfinddata64_t* found) {
+    if (entrySeen) return SetLastError(ERROR_READ_FAULT), errno = EIO, -1;
+    const int result = realNext(search, found);
+    entrySeen = std::wstring_view(found->name).starts_with(L"entry");
+    return result;
+}
+int failStatus(const wchar_t*, struct _stat64*) { return errno = EACCES, -1; }
+
+std::string errorOfCleanUp(const fs::path& base) {
+    try {
+        cleanupStaleCaches(base.wstring(), {});
+        return "no exception";
+    } catch (const fs::filesystem_error& error) {
+        return error.what();
+    }
+}
+
+TEST_F(RuntimeSelection, CleanUp_ListingBreaksOff_ThrowsWithTheOperationName) {
+    makeDirectory(L"entry");
+    const ZEMO::Test::ImportReplaced broken("_wfindnext64", &failAfterAnEntry);
+    realNext = broken.original<decltype(realNext)>();
+    const std::string error = errorOfCleanUp(base);
+    EXPECT_NE(error.find("directory_iterator::operator++"), std::string::npos) << error;
+}
+
+TEST_F(RuntimeSelection, CleanUp_EntryCanNotBeAskedFor_ThrowsWithTheOperationName) {
+    makeDirectory(L"cache9");
+    const ZEMO::Test::ImportReplaced broken("_wstat64", &failStatus);
+    const std::string error = errorOfCleanUp(base);
+    EXPECT_NE(error.find("directory_entry::status"), std::string::npos) << error;
+}
+
 // A child process of a dead game that is just letting go of its files can't be made here: the answers of the system to
 // the removal of the directory itself are the test's.
 struct RemovalAnswers {
@@ -246,14 +282,20 @@ TEST_F(RuntimeSelection, Version_ResourceWithoutItsSignature_IsEmpty) {
     EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
 }
 
-TEST_F(RuntimeSelection, EngineFiles_NoneThere_EachRequiredFileIsNamed) {
-    const std::vector<std::wstring> all = findMissingEngineFiles(base.wstring());
-    EXPECT_EQ(all, (std::vector<std::wstring>{L"libcef.dll", L"chrome_elf.dll", L"icudtl.dat",
-                                              L"v8_context_snapshot.bin", L"cefsubprocess\\locales\\en-US.pak"}));
-    for (const std::wstring& name : all) makeFile(base / name);
+TEST_F(RuntimeSelection, EngineFiles_NoneThere_EachIsNamedAndMarkedWhenNeeded) {
+    using Missing = std::vector<MissingEngineFile>;
+    const Missing all = findMissingEngineFiles(base.wstring());
+    EXPECT_EQ(all, (Missing{{L"libcef.dll", true},
+                            {L"chrome_elf.dll", true},
+                            {L"icudtl.dat", true},
+                            {L"v8_context_snapshot.bin", true},
+                            {L"cefsubprocess\\locales\\en-US.pak", true},
+                            {L"resources.pak", false}}));
+    for (const MissingEngineFile& file : all) makeFile(base / file.name);
     EXPECT_TRUE(findMissingEngineFiles(base.wstring()).empty());
     fs::remove(base / L"icudtl.dat");
-    EXPECT_EQ(findMissingEngineFiles(base.wstring()), std::vector<std::wstring>{L"icudtl.dat"});
+    fs::create_directory(base / L"icudtl.dat");
+    EXPECT_EQ(findMissingEngineFiles(base.wstring()), (Missing{{L"icudtl.dat", true}})) << "a directory is no file";
 }
 
 }  // namespace ZEMO::UI

@@ -7,9 +7,9 @@
 #include "core/process_state.h"
 #include "layers/cursor_restore.h"
 #include "layers/input_modifiers.h"
-#include "layers/pointer_messages.h"
+#include "layers/messages/pointer_messages.h"
+#include "layers/messages/track_mouse_leave.h"
 #include "layers/posted_text.h"
-#include "layers/track_mouse_leave.h"
 #include "layers/window_messages.h"
 #include "window/call_watch.h"
 #include "window/cursor_file_for_test.h"
@@ -200,6 +200,25 @@ TEST_F(ZemoWindowLayer, PostedTexts_ReachTheLayerOnceAndAreFreed) {
     EXPECT_TRUE(game().waitForMessage(kMessageExternalScript));  // not consumed
     EXPECT_TRUE(game().waitForMessage(kMessageExternalText));
     EXPECT_EQ(journal->count("onExternalScript(" + payload + ")"), 1u);
+}
+
+// A game that uses the numbers for messages of its own, with whatever it likes.
+TEST_F(ZemoWindowLayer, GamesOwnMessageUnderATextsNumber_ReachesItWithItsPointerUntouched) {
+    make();
+    const auto theirs = std::make_unique<std::string>(1000, 't');
+    int notAllocated = 7;
+    for (const UINT message : {kMessageExternalScript, kMessageExternalText}) {
+        for (const LPARAM lParam :
+             {reinterpret_cast<LPARAM>(theirs.get()), reinterpret_cast<LPARAM>(&notAllocated), LPARAM{1}, LPARAM{-1}}) {
+            SCOPED_TRACE(lParam);
+            game().clearReceived();
+            ASSERT_TRUE(PostMessageW(window(), message, 0, lParam));
+            EXPECT_TRUE(game().waitForMessage(message));
+        }
+    }
+    EXPECT_EQ(*theirs, std::string(1000, 't'));
+    EXPECT_EQ(notAllocated, 7);
+    for (const std::string& line : journal->lines()) EXPECT_FALSE(line.starts_with("onExternal")) << line;
 }
 
 TEST_F(ZemoWindowLayer, TextPostedToADeadWindow_ReturnsFalse) {

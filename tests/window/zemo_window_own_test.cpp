@@ -13,9 +13,9 @@
 #include <string_view>
 
 #include "layers/cursor_restore.h"
-#include "layers/pointer_messages.h"
+#include "layers/messages/pointer_messages.h"
+#include "layers/messages/track_mouse_leave.h"
 #include "layers/posted_text.h"
-#include "layers/track_mouse_leave.h"
 #include "layers/window_messages.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"

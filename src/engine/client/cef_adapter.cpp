@@ -2,14 +2,15 @@
 
 #include <system_error>
 
+#include "core/game_callback.h"
 #include "core/log.h"
-#include "core/process_end.h"
 #include "engine/client/input/touch_keyboard.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
 #include "include/cef_request.h"
+#include "include/cef_task.h"
 #include "layers/layer_manager.h"
 
 namespace ZEMO::UI {
@@ -17,6 +18,18 @@ namespace {
 
 /// The library's own mark for a page process that died.
 constexpr int kRenderProcessGone = -600;
+
+class NavigationFailedTask : public CefTask {
+public:
+    NavigationFailedTask(CefRefPtr<CefAdapter> browserClient, int code)
+        : client(std::move(browserClient)), errorCode(code) {}
+    void Execute() override { client->navigationFailed(errorCode); }
+
+private:
+    CefRefPtr<CefAdapter> client;
+    int errorCode;
+    IMPLEMENT_REFCOUNTING(NavigationFailedTask);
+};
 
 constexpr int kKeyboardText = 0;
 constexpr int kKeyboardEmail = 2;
@@ -30,7 +43,7 @@ CefAdapter::CefAdapter(WebViewLink link, HWND window, WindowStyle style, bool cl
       delegate(std::move(link)) {}
 
 std::shared_ptr<ZEMOWebViewDelegate> CefAdapter::gameDelegate() const {
-    return Core::isProcessEnding() ? nullptr : delegate.delegate.lock();
+    return Core::unlessProcessEnds(delegate.delegate.lock());
 }
 
 void CefAdapter::navigationStarting() {
@@ -43,6 +56,11 @@ void CefAdapter::navigationFailed(int errorCode) {
     if (const auto target = gameDelegate()) {
         target->navigationFailed(delegate.view.lock(), std::error_code(errorCode, std::generic_category()));
     }
+}
+
+void CefAdapter::reportRefusedAddress(const std::string& address) {
+    Core::logDebugA("the engine refuses this address of %zu bytes: %.200s\n", address.size(), address.c_str());
+    CefPostTask(TID_UI, new NavigationFailedTask(this, ERR_INVALID_URL));
 }
 
 void CefAdapter::navigationCompleted() {
@@ -91,6 +109,7 @@ void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, Termin
                                            int /*error_code*/, const CefString& /*error_string*/) {
     assert(isOnEngineThread());
     browser->Reload();
+    getIme().onPageGone(browser);
     navigationFailed(kRenderProcessGone);
 }
 
@@ -101,7 +120,6 @@ void CefAdapter::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, T
 }
 
 void CefAdapter::askGameForKeyboard(TextInputMode input_mode) {
-    if (Core::isProcessEnding()) return;  // what the game's callback uses may be gone
     auto& manager = ZEMOMultiLayerManager::instance();
     const auto showKeyboard = manager.getSteamDeckKeyboardCallback();
     if (!showKeyboard || manager.getSteamDeckKeyboardShown()) return;

@@ -23,6 +23,9 @@ public:
     virtual void navigationStarting();
     virtual void navigationFailed(int errorCode);
     virtual void navigationCompleted();
+    /// The engine takes `address` without a word and loads nothing: the delegate hears of it on the engine thread all
+    /// the same. Any thread.
+    void reportRefusedAddress(const std::string& address);
     /// True: the navigation must not go on.
     virtual bool navigationRequested(std::string url);
 

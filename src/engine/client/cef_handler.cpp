@@ -2,7 +2,6 @@
 
 #include "core/log.h"
 #include "core/process_end.h"
-#include "core/process_state.h"
 #include "engine/client/close_browser_task.h"
 #include "engine/client/frames/frame_consumer.h"
 #include "engine/client/request/context_menu_handler.h"
@@ -30,9 +29,9 @@ CefHandler::CefHandler(HWND viewWindow, WindowStyle style, bool closeButton, uin
     : contextMenuHandler(new CefContextualMenuHandler),
       javascriptProcessor(std::make_shared<JavascriptProcessor>()),
       window(viewWindow),
-      windowStyle(style),
       dpiScale(getWindowScale(viewWindow)),
-      input(viewWindow, dpiScale, [this](const CefRefPtr<CefBrowser>&) { cancelImeComposition(); }),
+      ime(viewWindow, dpiScale),
+      input(viewWindow, dpiScale, [this](const CefRefPtr<CefBrowser>& shown) { ime.cancelImeComposition(shown); }),
       frames(viewWindow, dpiScale, closeButton, sleepTime, consumerForStyle(style, makeConsumer(dpiScale)),
              [this] { return getBrowser(); }) {
     frames.start();
@@ -68,7 +67,7 @@ void CefHandler::close() {
         return;
     }
     frames.stop();
-    setPasswordFieldFocused(false);
+    ime.close();
     letGoOfBrowser();
     frames.finish(ZEMOMultiLayerManager::instance().getLayerCount() == 0);
     Core::logDebugA("html view is closed\n");
@@ -95,11 +94,7 @@ void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
     assert(isOnEngineThread());
     EngineClients::browserClosed();
     closeOnScreenKeyboard();  // nothing is left to type into
-    if (windowStyle != WindowStyle::Window || Core::isProcessEnding()) return;
-    // The user may have closed the window long ago, and its handle may name another program's now.
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process == GetCurrentProcessId()) PostMessageW(window, WM_CLOSE, 0, 0);
+    if (closeWindow && !Core::isProcessEnding()) closeWindow();
 }
 
 }  // namespace ZEMO::UI

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <imm.h>
-
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "engine/client/frames/page_frames.h"
+#include "engine/client/ime/page_ime.h"
 #include "engine/client/input/page_input.h"
 #include "engine/client/request/content_items.h"
 #include "engine/engine_clients.h"
@@ -27,7 +26,7 @@ class JavascriptProcessor;
 
 /// The object that the engine calls back into, one for each browser, and the way from the window side to that browser:
 /// who the browser is, how it lives and ends, and where each callback goes. What a page does beside that belongs to
-/// the member objects (frames, input, script, requests).
+/// the member objects (frames, input, IME, script, requests).
 ///
 /// Threads: engine callbacks come on the engine thread. The plain operations come on the thread of the layer's window,
 /// close on the thread that destroys the layer. A render thread of the frames' own runs from construction to close; it
@@ -53,23 +52,17 @@ public:
     std::shared_ptr<JavascriptProcessor> getJavascriptProcessor() { return javascriptProcessor; }
     /// Mouse, keyboard and touch, with the browser that the caller has found by getBrowser.
     PageInput& getInput() { return input; }
+    /// Composed text, with that browser.
+    PageIme& getIme() { return ime; }
 
     /// Ends the view: the render thread is joined, the browser told to close, the consumer told that nothing is left to
     /// show. Does not wait for the browser. Must not run on the render thread.
     void close();
 
-    // Text input. Not forwarded to the page yet.
-    void commitImeText(const std::string& utf8Text);
-    void setImeProcess(uint32_t kind, const std::u16string* text, const uint32_t* repeatCount);
-    void onImeSetContext();
-    void onImeStartComposition();
-    void onImeComposition(LPARAM flags);
-    void onImeEndComposition();
-    void onImeFocusChange(bool enable);
-    void onImeBoundsChanged();
-    bool onImeQueryCharPosition(IMECHARPOSITION* position);
-    void cancelImeComposition();
-
+    /// How the view's own window is closed when its browser has gone; empty for a layer. Set before the browser exists.
+    void setWindowCloser(std::function<void()> closer) { closeWindow = std::move(closer); }
+    /// The view has ended, or is about to.
+    bool isClosed() const { return frames.isStopped(); }
     void setNoWindow(bool value) { frames.getViewSize().setNoWindow(value); }
     void setContentItems(ContentItems::List items) { contentItems.set(std::move(items)); }
     void onWindowResized() { frames.onWindowResized(); }
@@ -110,6 +103,8 @@ public:
     void OnPopupSize(CefRefPtr<CefBrowser> browser, const CefRect& rect) override;
     void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects, const void* buffer,
                  int width, int height) override;
+    void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> browser, const CefRange& selected_range,
+                                      const RectList& character_bounds) override;
     void OnTextSelectionChanged(CefRefPtr<CefBrowser> browser, const CefString& selected_text,
                                 const CefRange& selected_range) override;
 
@@ -124,8 +119,6 @@ protected:
 
     HWND viewWindow() const { return window; }
     const PageInput& getInput() const { return input; }
-    /// Posts a message to the view's window when that lives.
-    void postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const;
 
 private:
     // IEngineClient
@@ -143,8 +136,9 @@ private:
     CefRefPtr<CefContextMenuHandler> contextMenuHandler;
     std::shared_ptr<JavascriptProcessor> javascriptProcessor;
     HWND window;
-    WindowStyle windowStyle;
+    std::function<void()> closeWindow;
     float dpiScale;  ///< device pixels for each logical pixel, taken once
+    PageIme ime;
     PageInput input;
     PageFrames frames;  ///< last: its thread asks for the browser
 

@@ -4,7 +4,6 @@
 
 #include "core/process_end.h"
 #include "core/process_messages.h"
-#include "core/process_state.h"
 #include "engine/client/cef_handler.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
@@ -37,14 +36,7 @@ void CefHandler::onPasswordFieldFocus(const CefRefPtr<CefBrowser>& source,
                                       const CefRefPtr<CefProcessMessage>& message) {
     const CefRefPtr<CefListValue> arguments = message->GetArgumentList();
     if (!arguments) return;  // a page's process can't be trusted
-    const bool focused = arguments->GetBool(Core::kPasswordFieldFocused);
-    setPasswordFieldFocused(focused);
-    postToWindow(kMessageImeFocus, focused ? 0 : 1, 0);
-    if (const auto callback = getImeEventCallback()) callback(3, source->GetIdentifier(), focused ? 1 : 0, 0);
-}
-
-void CefHandler::postToWindow(UINT message, WPARAM wParam, LPARAM lParam) const {
-    if (IsWindow(window)) PostMessageW(window, message, wParam, lParam);
+    ime.onPasswordFieldFocus(source, arguments->GetBool(Core::kPasswordFieldFocused));
 }
 
 bool CefHandler::OnBeforePopup(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/, int /*popup_id*/,
@@ -101,13 +93,16 @@ void CefHandler::OnPopupSize(CefRefPtr<CefBrowser> source, const CefRect& rect) 
     frames.onPopupSize(source, rect);
 }
 
+void CefHandler::OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> source, const CefRange& selected_range,
+                                              const RectList& character_bounds) {
+    assert(isOnEngineThread());
+    ime.onImeCompositionRangeChanged(source, selected_range, character_bounds);
+}
+
 void CefHandler::OnTextSelectionChanged(CefRefPtr<CefBrowser> source, const CefString& /*selected_text*/,
                                         const CefRange& selected_range) {
     assert(isOnEngineThread());
-    if (const auto callback = getImeEventCallback()) {
-        callback(1, source->GetIdentifier(), static_cast<int>(selected_range.from),
-                 static_cast<int>(selected_range.to));
-    }
+    ime.onTextSelectionChanged(source, selected_range);
 }
 
 }  // namespace ZEMO::UI

@@ -1,7 +1,5 @@
 #include "layers/web/page_address.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cctype>
 
@@ -13,16 +11,6 @@
 
 namespace ZEMO::UI {
 namespace {
-
-constexpr DWORD kPathCharacters = 260;
-
-std::wstring libraryDirectory() {
-    wchar_t buffer[kPathCharacters] = {};
-    if (!Core::getOwnModulePath(buffer, kPathCharacters)) GetModuleFileNameW(nullptr, buffer, kPathCharacters);
-    std::wstring path = buffer;
-    const size_t cut = path.find_last_of(L"\\/");
-    return cut == std::wstring::npos ? path : path.substr(0, cut);
-}
 
 std::string toUtf8(const std::wstring& text) {
     const auto utf8 = Core::toSharedUtf8(text.c_str());
@@ -46,7 +34,7 @@ std::string_view lastComponentOf(std::string_view path) {
 
 std::string localPageAddress(const std::string& name) {
     return withForwardSlashes(
-        toUtf8(L"file:///" + libraryDirectory() + L"/resources/html/" + Core::to_wide(name) + L".html"));
+        toUtf8(L"file:///" + Core::libraryBaseDirectory() + L"/resources/html/" + Core::to_wide(name) + L".html"));
 }
 
 std::string reloadPageAddress(const std::string& name) {
@@ -74,6 +62,15 @@ std::string rebaseHtml(std::string_view html, std::string_view path) {
     prefix += directoryName;
     prefix += '/';
     return Core::StringUtil::replaceAll(std::string(html), "../", prefix);
+}
+
+bool isRefusedAddress(const std::string& address) {
+    if (address.size() > kLongestAddress) return true;
+    if (address.find_first_not_of(" \t\r\n") == std::string::npos) return true;
+    // Text without a scheme is completed by the engine.
+    if (address.find("://") == std::string::npos) return false;
+    CefURLParts parts;
+    return !CefParseURL(address, parts);
 }
 
 std::string htmlDataAddress(std::string_view html, std::string_view path) {

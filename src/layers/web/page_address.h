@@ -22,6 +22,13 @@ std::string firstPageAddress(const std::string& nameOrPath);
 /// ("../") become addresses of the custom scheme below the directory that holds `path`'s folder.
 std::string rebaseHtml(std::string_view html, std::string_view path);
 
+/// The longest address that the engine takes, in bytes.
+inline constexpr size_t kLongestAddress = 2 * 1024 * 1024;
+
+/// An address that the engine takes without a word and never loads: blank, too long, or with a scheme and not well
+/// formed (a port of 99999, say). Needs the engine.
+bool isRefusedAddress(const std::string& address);
+
 /// `html` (rebased by `path`) as a data address. Needs the engine.
 std::string htmlDataAddress(std::string_view html, std::string_view path);
 

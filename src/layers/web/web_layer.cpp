@@ -5,6 +5,7 @@
 
 #include "controller/controller_scripts.h"
 #include "core/process_end.h"
+#include "engine/client/create_browser_task.h"
 #include "engine/client/script/javascript_processor.h"
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
@@ -14,8 +15,6 @@
 
 namespace ZEMO::UI {
 namespace {
-
-constexpr int kFrameRate = 30;
 
 // The caller's views end at their first NUL, whatever their length says.
 std::string_view untilNul(std::string_view text) {
@@ -37,35 +36,34 @@ WebLayer::WebLayer(Settings settings)
                              static_cast<bool>(closeButtonAction), settings.hookModule, settings.hookSleepTime,
                              std::move(settings.framePresentCallback));
     adapter->setNoWindow(getViewWindowHandle() == nullptr);
+    adapter->setWindowCloser(ownWindowCloser());
 }
 
 WebLayer::~WebLayer() {
     adapter->close();
     // An own window closes with its browser. Without an engine there is none, and nobody else would close it.
-    if (!browserRequested && getWindowStyle() == WindowStyle::Window) PostMessageW(getWindowHandle(), WM_CLOSE, 0, 0);
+    if (const auto closeOwnWindow = ownWindowCloser(); closeOwnWindow && !browserRequested) closeOwnWindow();
     controllerScriptUseCallback = nullptr;
     closeButtonAction = nullptr;
-    layerDestroyHandler = nullptr;
-    windowCloseHandler = nullptr;
+    layerDestroyHandler.set(nullptr);
+    windowCloseHandler.set(nullptr);
     adapter = nullptr;
 }
 
 void WebLayer::createBrowser(const std::string& address) {
     if (Core::isProcessEnding()) return;  // the engine may be gone
-    CefWindowInfo windowInfo;
-    windowInfo.parent_window = getViewWindowHandle();
-    windowInfo.windowless_rendering_enabled = true;
-    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
-    CefBrowserSettings browserSettings;
-    browserSettings.windowless_frame_rate = kFrameRate;
-    browserRequested = CefBrowserHost::CreateBrowser(windowInfo, adapter, address, browserSettings, nullptr, nullptr);
+    browserRequested = CefPostTask(TID_UI, new CreateBrowserTask(getViewWindowHandle(), adapter.get(), address));
+    if (browserRequested && isRefusedAddress(address)) adapter->reportRefusedAddress(address);
 }
 
 void WebLayer::navigate(const std::string& address) {
     adapter->getJavascriptProcessor()->resetPageReady();
     const CefRefPtr<CefBrowser> browser = adapter->getBrowser();
     // A page may have closed its browser by itself, which has no frame then.
-    if (const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr) frame->LoadURL(address);
+    const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr;
+    if (!frame) return;
+    frame->LoadURL(address);
+    if (isRefusedAddress(address)) adapter->reportRefusedAddress(address);
 }
 
 void WebLayer::loadHtml(std::string_view html, std::string_view path, bool reload) {
@@ -129,11 +127,11 @@ void WebLayer::setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> ite
 }
 
 void WebLayer::setWindowCloseHandler(std::function<void()> handler) {
-    if (!windowCloseHandler) windowCloseHandler = std::move(handler);
+    if (handler) windowCloseHandler.setOnce(std::move(handler));
 }
 
 void WebLayer::setLayerDestroyHandler(std::function<void()> handler) {
-    if (!layerDestroyHandler) layerDestroyHandler = std::move(handler);
+    if (handler) layerDestroyHandler.setOnce(std::move(handler));
 }
 
 void WebLayer::runInMainFrame(const std::string& script, bool withFrameUrl) {
@@ -176,7 +174,9 @@ bool WebLayer::handleSpecialUrl(const std::string& url) {
 void WebLayer::setVisible(bool show, bool keepHookFrame) { adapter->setVisible(show, keepHookFrame); }
 
 void WebLayer::sendImeCommand(uint32_t kind, const std::u16string* text, const uint32_t* repeatCount) {
-    if (adapter) adapter->setImeProcess(kind, text, repeatCount);
+    withBrowser([&](const CefRefPtr<CefBrowser>& browser) {
+        adapter->getIme().setImeProcess(browser, kind, text, repeatCount);
+    });
 }
 
 void WebLayer::blurActiveElement() { runInMainFrame("document.activeElement.blur();", false); }

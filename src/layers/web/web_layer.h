@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/client/cef_adapter.h"
+#include "layers/shared_slot.h"
 #include "layers/zemo_window.h"
 
 namespace ZEMO::UI {
@@ -106,8 +107,9 @@ private:
     CefRefPtr<CefAdapter> adapter;
     bool browserRequested = false;                    ///< the engine has taken the request for a browser
     std::atomic<bool> controllerScriptActive{false};  ///< written on the engine thread, read on the window's
-    std::function<void()> windowCloseHandler;
-    std::function<void()> layerDestroyHandler;
+    // Set on the caller's thread while an own window's thread may be running them already.
+    SharedSlot<std::function<void()>> windowCloseHandler;
+    SharedSlot<std::function<void()>> layerDestroyHandler;
     std::function<void()> closeButtonAction;
     std::function<void(bool)> controllerScriptUseCallback;
 };

@@ -15,7 +15,7 @@ void WebLayer::onMaximizeRestore() {
 }
 
 void WebLayer::onDestroy() {
-    if (layerDestroyHandler) layerDestroyHandler();
+    if (const auto handler = layerDestroyHandler.get()) handler();
     adapter->markClosing();
 }
 
@@ -24,7 +24,7 @@ void WebLayer::onKillFocus() {
 }
 
 void WebLayer::onClose() {
-    if (windowCloseHandler) windowCloseHandler();
+    if (const auto handler = windowCloseHandler.get()) handler();
 }
 
 void WebLayer::onMouseButton(int button, bool up, int x, int y) {
@@ -55,31 +55,31 @@ void WebLayer::onPointer(UINT message, uint32_t pointerId, int x, int y) {
 }
 
 void WebLayer::onImeSetContext() {
-    if (adapter) adapter->onImeSetContext();
+    if (adapter) adapter->getIme().onImeSetContext();
 }
 
 void WebLayer::onImeStartComposition() {
-    if (adapter) adapter->onImeStartComposition();
+    if (adapter) adapter->getIme().onImeStartComposition();
 }
 
 void WebLayer::onImeComposition(LPARAM flags) {
-    if (adapter) adapter->onImeComposition(flags);
+    if (adapter) adapter->getIme().onImeComposition(adapter->getBrowser(), flags);
 }
 
 void WebLayer::onImeEndComposition() {
-    if (adapter) adapter->onImeEndComposition();
+    if (adapter) adapter->getIme().onImeEndComposition(adapter->getBrowser());
 }
 
 void WebLayer::onImeFocusChange(bool enable) {
-    if (adapter) adapter->onImeFocusChange(enable);
+    if (adapter) adapter->getIme().onImeFocusChange(enable);
 }
 
 void WebLayer::onImeBoundsChanged() {
-    if (adapter) adapter->onImeBoundsChanged();
+    if (adapter) adapter->getIme().onImeBoundsChanged();
 }
 
 bool WebLayer::onImeQueryCharPosition(IMECHARPOSITION* position) {
-    return adapter && adapter->onImeQueryCharPosition(position);
+    return adapter && adapter->getIme().onImeQueryCharPosition(position);
 }
 
 // The page hears of the focus, and of controller input, by scripts that are not part of this build yet.
@@ -88,7 +88,7 @@ void WebLayer::onDeactivated() {}
 void WebLayer::onExternalScript(const std::string& /*payload*/) {}
 
 void WebLayer::onExternalText(const std::string& text) {
-    if (adapter) adapter->commitImeText(text);
+    withBrowser([&](const CefRefPtr<CefBrowser>& browser) { adapter->getIme().commitImeText(browser, text); });
 }
 
 }  // namespace ZEMO::UI

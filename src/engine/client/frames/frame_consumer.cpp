@@ -2,11 +2,20 @@
 
 #include <utility>
 
+#include "core/process_end.h"
 #include "render/cef_render_hook.h"
 #include "render/cef_render_osr.h"
 
 namespace ZEMO::UI {
 namespace {
+
+// The game's callback was fetched when the layer was made: the gate is passed again with each frame.
+OsrFramePresentCallback gated(OsrFramePresentCallback callback) {
+    return [present = std::move(callback)](const void* pixels, int width, int height, int dirtyX, int dirtyY,
+                                           int dirtyWidth, int dirtyHeight) {
+        if (!Core::isProcessEnding()) present(pixels, width, height, dirtyX, dirtyY, dirtyWidth, dirtyHeight);
+    };
+}
 
 class OwnWindowConsumer final : public CefRenderImpl {
 public:
@@ -33,7 +42,7 @@ std::unique_ptr<CefRenderImpl> makeFrameConsumer(HMODULE hookModule, uint32_t ho
                                                  OsrFramePresentCallback callback, float dpiScale,
                                                  bool hasCloseButton) {
     if (!hookModule && callback) {
-        return std::make_unique<CefRenderOSR>(std::move(callback), dpiScale, hasCloseButton);
+        return std::make_unique<CefRenderOSR>(gated(std::move(callback)), dpiScale, hasCloseButton);
     }
     return std::make_unique<CefRenderHook>(hookModule, hookSleepTime);
 }

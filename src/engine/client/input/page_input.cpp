@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "layers/input_modifiers.h"
+#include "layers/window_events.h"
 #include "render/pixel_scale.h"
 
 namespace ZEMO::UI {
@@ -27,7 +28,9 @@ cef_key_event_type_t keyEventType(UINT message) {
     }
 }
 
-cef_mouse_button_type_t buttonType(int button) { return button == 0 ? MBT_LEFT : button == 1 ? MBT_MIDDLE : MBT_RIGHT; }
+cef_mouse_button_type_t buttonType(int button) {
+    return button == kLeftButton ? MBT_LEFT : button == kMiddleButton ? MBT_MIDDLE : MBT_RIGHT;
+}
 
 cef_touch_event_type_t touchEventType(UINT pointerMessage) {
     switch (pointerMessage) {

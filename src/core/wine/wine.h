@@ -1,0 +1,21 @@
+#pragma once
+
+#include <windows.h>
+
+// Wine only. What is done here changes the loader's lists and another module's imports; on Windows there is no reason
+// for it, and a game's anti-cheat may watch both.
+namespace ZEMO::Core::Wine {
+
+/// True when the process runs under Wine. Asks the system once. Any thread.
+bool isRunningUnderWine();
+
+/// Guards `engine` (libcef.dll, loaded and not yet initialised, never unloaded) against what Wine does otherwise than
+/// Windows: see loader_order.h and handle_moves.h. Logs what could not be done; the engine starts all the same. On
+/// Windows it does nothing. Once, engine thread; this module must be pinned.
+void guardEngine(HMODULE engine);
+
+/// Keeps `engine` from hearing that the process ends. On Windows it does nothing. Only in this module's entry point, at
+/// that end.
+void skipEngineDetach(HMODULE engine);
+
+}  // namespace ZEMO::Core::Wine
