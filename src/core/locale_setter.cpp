@@ -25,7 +25,8 @@ void LocaleSetter::setUTF8PreservePreSettedLocale() {
 }
 
 void LocaleSetter::setLocales() {
-    const std::string current = std::setlocale(LC_ALL, nullptr);
+    const char* const told = std::setlocale(LC_ALL, nullptr);
+    const std::string current = told ? told : "C";
     if (current == "C") {
         std::setlocale(LC_ALL, kUserLanguageInUtf8);
     } else if (Core::isLocalePerCategory(current)) {

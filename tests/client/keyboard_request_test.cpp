@@ -339,8 +339,7 @@ protected:
 TEST_F(DeckWindow, Shown_PageFillsTheWindowButForTheStrip) {
     RECT client{};
     GetClientRect(window, &client);
-    const std::string size =
-        "/size/" + std::to_string(client.right) + "x" + std::to_string(client.bottom - 45);
+    const std::string size = "/size/" + std::to_string(client.right) + "x" + std::to_string(client.bottom - 45);
     EXPECT_TRUE(game.waitFor(size.c_str(), [&] { return server.requestCount(size) == 1; }));
 }
 

@@ -15,9 +15,8 @@ struct Category {
     const char* name;
     int value;
 };
-constexpr Category kCategories[] = {{"LC_ALL", LC_ALL},           {"LC_COLLATE", LC_COLLATE},
-                                    {"LC_CTYPE", LC_CTYPE},       {"LC_MONETARY", LC_MONETARY},
-                                    {"LC_NUMERIC", LC_NUMERIC},   {"LC_TIME", LC_TIME}};
+constexpr Category kCategories[] = {{"LC_ALL", LC_ALL},           {"LC_COLLATE", LC_COLLATE}, {"LC_CTYPE", LC_CTYPE},
+                                    {"LC_MONETARY", LC_MONETARY}, {"LC_NUMERIC", LC_NUMERIC}, {"LC_TIME", LC_TIME}};
 
 bool choose(const std::string& argument) {
     const size_t equals = argument.find('=');
