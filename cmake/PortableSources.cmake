@@ -1,6 +1,7 @@
 # Library sources that need neither Windows nor the engine. They are part of the library as every other source, and are
 # built natively a second time, where the sanitizers and the fuzzers run.
 set(ZEMO_PORTABLE_SOURCES
+    core/locale_names.cpp
     core/string_util.cpp
     core/texts_under_way.cpp
     core/url.cpp
@@ -9,6 +10,7 @@ set(ZEMO_PORTABLE_SOURCES
     render/pixel_scale.cpp
     layers/deck/extra_window_rules.cpp
     layers/deck/on_screen_keyboard_rules.cpp
+    api/file_selection.cpp
     browser/loopback_request.cpp
     browser/browser_rules.cpp
     controller/controller_pages.cpp

@@ -7,7 +7,8 @@
 #
 # A name says what its test needs: in `engine` tests Screen, Foreground, Cursor or Click the display for itself, Missing
 # the machine for itself (a file that another copy of the engine has open can't be renamed, since copies share files by
-# hard links), Scale150 and Scale200 at its end a session whose desktop has that scale.
+# hard links), Scale150 and Scale200 at its end a session whose desktop has that scale. OnScreenKeyboard needs the machine
+# for itself too: a desktop has one such keyboard, and every view that ends closes it.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -37,10 +38,10 @@ endfunction()
 function(zemo_add name filter kind count)
   add_test(${name} ${EMULATOR} ${PROGRAM} --gtest_filter=${filter})
   set(properties LABELS ${LABEL} ${LIMITS} COST ${count} WORKING_DIRECTORY ${FOLDER})
-  if(LABEL STREQUAL "window" OR kind STREQUAL "OnScreen")
-    list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
-  elseif(kind STREQUAL "Serial")
+  if(kind STREQUAL "Serial")
     list(APPEND properties RUN_SERIAL TRUE)
+  elseif(LABEL STREQUAL "window" OR kind STREQUAL "OnScreen")
+    list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
   elseif(kind STREQUAL "Scale150")
     list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=144)
   elseif(kind STREQUAL "Scale200")
@@ -61,7 +62,9 @@ function(zemo_add_all)
       set(test ${CMAKE_MATCH_1})
       set(name ${suite}.${test})
       set(kind Plain)
-      if(LABEL STREQUAL "engine")
+      if(name MATCHES "^OnScreenKeyboard(Request)?[.]")
+        set(kind Serial)
+      elseif(LABEL STREQUAL "engine")
         if(name MATCHES "(Scale(150|200))$")
           set(kind ${CMAKE_MATCH_1})
         elseif(name MATCHES "Screen|Foreground|Cursor|Click")

@@ -11,6 +11,7 @@
 #include <zemo/file_select_view.h>
 #include <zemo/frame_present.h>
 #include <zemo/json_containers.h>
+#include <zemo/locale_setter.h>
 #include <zemo/platform.h>
 #include <zemo/string_util.h>
 #include <zemo/url.h>
@@ -34,6 +35,7 @@ inline constexpr unsigned int kLastReservedMessage = 1230;
 
 /// Starts the engine on a thread of the library and returns when it is ready (0.3 to 0.5 s); finds the game's main
 /// window (the process's first visible top-level window without an owner) and takes its messages first from then on.
+/// Makes the C runtime's narrow strings UTF-8; language and country of the game's locale stay (see LocaleSetter).
 /// Call once, on the game's main thread, when that window is visible. Throws std::system_error when the thread can't be
 /// started.
 /// The engine ends with the process. A return from main and exit stop it in order, in 0.2 s as a rule and two seconds

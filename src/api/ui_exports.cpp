@@ -12,6 +12,7 @@
 #include "core/resource_paths.h"
 #include "layers/layer_manager.h"
 #include "layers/window_messages.h"
+#include "zemo/locale_setter.h"
 #include "zemo/ui.h"
 
 namespace ZEMO::UI {
@@ -24,7 +25,8 @@ uint32_t scanCodeOf(uint32_t virtualKey) { return MapVirtualKeyW(virtualKey, MAP
 }  // namespace
 
 void InitUILibrary() {
-    startLibrary(true);  // the UTF-8 locale of the runtime library follows here with the locale functions
+    startLibrary(true);
+    LocaleSetter().setUTF8PreservePreSettedLocale();
 }
 
 void InitUIGraphicsHook() { loadGraphicsHook(); }

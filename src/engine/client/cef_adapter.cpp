@@ -4,6 +4,7 @@
 
 #include "core/game_callback.h"
 #include "core/log.h"
+#include "engine/client/input/touch_keyboard.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
@@ -114,8 +115,11 @@ void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, Termin
 
 void CefAdapter::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, TextInputMode input_mode) {
     assert(isOnEngineThread());
-    // The system's on-screen keyboard comes with touch input; until then only the game's own is asked for.
-    if (input_mode == CEF_TEXT_INPUT_MODE_NONE) return;
+    followTouchWithKeyboard(viewWindow(), getInput().getLastTouchEvent(), input_mode);
+    if (input_mode != CEF_TEXT_INPUT_MODE_NONE) askGameForKeyboard(input_mode);
+}
+
+void CefAdapter::askGameForKeyboard(TextInputMode input_mode) {
     auto& manager = ZEMOMultiLayerManager::instance();
     const auto showKeyboard = manager.getSteamDeckKeyboardCallback();
     if (!showKeyboard || manager.getSteamDeckKeyboardShown()) return;

@@ -45,6 +45,8 @@ public:
     void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> browser, TextInputMode input_mode) override;
 
 private:
+    /// Its own on-screen keyboard, which a game has beside the system's. Asked once until it says that it is gone.
+    void askGameForKeyboard(TextInputMode input_mode);
     /// Null when the game has dropped it, and once the program exits: what the delegate uses may be gone by then.
     std::shared_ptr<ZEMOWebViewDelegate> gameDelegate() const;
 

@@ -8,6 +8,7 @@
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
+#include "layers/deck/on_screen_keyboard.h"
 #include "layers/layer_manager.h"
 #include "render/display_scale.h"
 
@@ -92,6 +93,7 @@ void CefHandler::OnAfterCreated(CefRefPtr<CefBrowser> created) {
 void CefHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
     assert(isOnEngineThread());
     EngineClients::browserClosed();
+    closeOnScreenKeyboard();  // nothing is left to type into
     if (closeWindow && !Core::isProcessEnding()) closeWindow();
 }
 

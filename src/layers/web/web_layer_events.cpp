@@ -1,5 +1,7 @@
 #include "layers/web/web_layer.h"
 
+#include "layers/deck/on_screen_keyboard.h"
+
 // What the layer's window reports, on that window's thread. Input goes to the browser and is dropped before there is
 // one.
 namespace ZEMO::UI {
@@ -17,7 +19,9 @@ void WebLayer::onDestroy() {
     adapter->markClosing();
 }
 
-void WebLayer::onKillFocus() {}  // the system's on-screen keyboard is not driven yet
+void WebLayer::onKillFocus() {
+    withBrowser([](const CefRefPtr<CefBrowser>&) { hideOnScreenKeyboard(); });
+}
 
 void WebLayer::onClose() {
     if (const auto handler = windowCloseHandler.get()) handler();
