@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <deque>
-#include <format>
+#include <mutex>
+#include <optional>
 
 #include "client/client_view.h"
-#include "client/engine_task.h"
 #include "core/process_state.h"
 #include "support/http_server.h"
 
@@ -13,9 +12,10 @@ namespace ZEMO::Test {
 namespace {
 
 using namespace ZEMO::UI;
+using Reports = std::vector<int>;
 
 std::mutex reportsMutex;
-std::vector<int> reports;
+Reports reports;
 
 void onImeEvent(int event, int /*browserId*/, int a, int /*b*/) {
     if (event != 3) return;
@@ -23,7 +23,7 @@ void onImeEvent(int event, int /*browserId*/, int a, int /*b*/) {
     reports.push_back(a);
 }
 
-std::vector<int> heard() {
+Reports heard() {
     const std::lock_guard lock(reportsMutex);
     return reports;
 }
@@ -31,22 +31,27 @@ std::vector<int> heard() {
 class PasswordFocusTest : public ::testing::Test {
 protected:
     PasswordFocusTest() { setImeEventCallback(&onImeEvent); }
-    ~PasswordFocusTest() override { setImeEventCallback(nullptr); }
+    ~PasswordFocusTest() override {
+        view.reset();
+        setImeEventCallback(nullptr);
+    }
 
-    void open(const std::string& address) {
-        view.emplace(game, address);
+    void open(const std::string& html) {
+        server.serve("/ready", {});
+        server.serveHtml("/", "<!doctype html>" + html + "<script>onload = () => fetch('/ready')</script>");
+        view.emplace(game, server.url("/"));
         ASSERT_TRUE(game.waitFor("the page", [&] { return view->events->has("completed"); }));
         ASSERT_TRUE(game.waitFor("every frame", [&] { return server.requestCount("/ready") > 0; }));
     }
     void run(const std::string& script) {
         view->adapter->getBrowser()->GetMainFrame()->ExecuteJavaScript(script, "", 0);
     }
-    void runAndExpect(const std::string& script, const std::vector<int>& expected) {
+    /// Runs the script; what was heard so far is `expected` then.
+    void runAndHear(const std::string& script, const Reports& expected) {
         run(script);
-        EXPECT_TRUE(game.waitFor(
-            script.c_str(), [&] { return heard() == expected; }, 5s))
+        EXPECT_TRUE(game.waitFor(script.c_str(), [&] { return heard() == expected; }, 10s))
             << "heard " << ::testing::PrintToString(heard());
-        EXPECT_EQ(isPasswordFieldFocused(), !expected.empty() && expected.back() == 1);
+        EXPECT_EQ(isPasswordFieldFocused(), !expected.empty() && expected.back() == 1) << script;
     }
 
     HttpServer server;
@@ -54,118 +59,91 @@ protected:
     std::optional<ClientView> view;
 };
 
-constexpr char kReady[] = "<script>onload=()=>fetch('/ready')</script>";
-
 }  // namespace
 
-TEST_F(PasswordFocusTest, FieldsOfTheMainFrame) {
-    server.serve("/ready", {});
-    server.serveHtml(
-        "/", std::string("<!doctype html><input id=a><input id=p type=password><input id=q TYPE=PassWord>") + kReady);
-    open(server.url("/"));
+TEST_F(PasswordFocusTest, FieldsOfThePage_GainAndLossAreReportedAndNothingElse) {
+    open("<input id=a><textarea id=t></textarea><input id=p type=password><input id=q TYPE=PassWord>");
+    run("a.focus(); t.focus(); a.focus()");
+    runAndHear("p.focus()", {1});
+    runAndHear("q.focus()", {1, 1});
+    runAndHear("a.focus()", {1, 1, 0});
+    runAndHear("p.focus()", {1, 1, 0, 1});
+    runAndHear("p.blur()", {1, 1, 0, 1, 0});
+}
+
+TEST_F(PasswordFocusTest, FieldRemovedWithItsFocus_CountsAsLeft) {
+    open("<input id=p type=password>");
+    runAndHear("p.focus()", {1});
+    runAndHear("p.remove()", {1, 0});
+}
+
+TEST_F(PasswordFocusTest, FieldsInOpenNestedAndClosedShadowTrees_Reported) {
+    open(R"(<input id=a><div id=o></div><div id=c></div><script>
+        const outer = o.attachShadow({mode: 'open'});
+        outer.innerHTML = '<div></div><input>';
+        const inner = outer.firstChild.attachShadow({mode: 'open'});
+        inner.innerHTML = '<input type=password>';
+        const closed = c.attachShadow({mode: 'closed'});
+        closed.innerHTML = '<input type=password>';
+        window.nested = inner.firstChild, window.plain = outer.lastChild, window.concealed = closed.firstChild;
+        </script>)");
+    runAndHear("nested.focus()", {1});
+    runAndHear("plain.focus()", {1, 0});
+    runAndHear("concealed.focus()", {1, 0, 1});
+    runAndHear("a.focus()", {1, 0, 1, 0});
+}
+
+TEST_F(PasswordFocusTest, FieldsInASubFrame_EachWayBetweenFramesEndsRight) {
+    server.serveHtml("/frame", "<!doctype html><input id=t><input id=p type=password>");
+    open("<input id=a><input id=p type=password><iframe id=f src=/frame></iframe>");
     run("a.focus()");
-    runAndExpect("p.focus()", {1});
-    runAndExpect("q.focus()", {1, 1});
-    runAndExpect("a.focus()", {1, 1, 0});
-    runAndExpect("p.focus()", {1, 1, 0, 1});
-    runAndExpect("p.blur()", {1, 1, 0, 1, 0});
+    runAndHear("f.contentWindow.p.focus()", {1});
+    runAndHear("a.focus()", {1, 0});
+    runAndHear("f.contentWindow.p.focus()", {1, 0, 1});
+    runAndHear("p.focus()", {1, 0, 1, 0, 1});
+    runAndHear("f.contentWindow.t.focus()", {1, 0, 1, 0, 1, 0});
+    runAndHear("f.contentWindow.p.focus()", {1, 0, 1, 0, 1, 0, 1});
+    runAndHear("f.remove()", {1, 0, 1, 0, 1, 0, 1, 0});
 }
 
-TEST_F(PasswordFocusTest, ShadowTrees) {
-    server.serve("/ready", {});
-    server.serveHtml(
-        "/", std::string("<!doctype html><input id=a><div id=h></div><div id=c></div><script>"
-                         "const s=h.attachShadow({mode:'open'});s.innerHTML='<div></div><input id=t>';const "
-                         "n=s.firstChild.attachShadow({mode:'open'});n.innerHTML='<input type=password>';"
-                         "window.inner=n.firstChild;const k=c.attachShadow({mode:'closed'});k.innerHTML='<input "
-                         "type=password>';window.hidden2=k.firstChild;window.t2=s.getElementById('t');</script>") +
-                 kReady);
-    open(server.url("/"));
-    runAndExpect("inner.focus()", {1});
-    runAndExpect("t2.focus()", {1, 0});
-    runAndExpect("hidden2.focus()", {1, 0, 1});
-    runAndExpect("a.focus()", {1, 0, 1, 0});
+TEST_F(PasswordFocusTest, FieldInAFrameOfAnotherSite_Reported) {
+    std::string elsewhere = server.url("/frame");
+    elsewhere.replace(elsewhere.find("127.0.0.1"), 9, "localhost");
+    server.serveHtml("/frame", "<!doctype html><input id=p type=password><script>onmessage = () => p.focus()</script>");
+    open("<input id=a><iframe id=f src='" + elsewhere + "'></iframe>");
+    runAndHear("f.contentWindow.postMessage('', '*')", {1});
+    runAndHear("a.focus()", {1, 0});
 }
 
-TEST_F(PasswordFocusTest, SubFrames) {
-    server.serve("/ready", {});
-    server.serveHtml("/f", "<!doctype html><input id=t><input id=p type=password>");
-    server.serveHtml(
-        "/",
-        std::string("<!doctype html><input id=a><input id=p type=password><iframe id=f src=/f></iframe>") + kReady);
-    open(server.url("/"));
-    run("a.focus()");
-    runAndExpect("f.contentWindow.p.focus()", {1});
-    runAndExpect("a.focus()", {1, 0});
-    runAndExpect("f.contentWindow.p.focus()", {1, 0, 1});
-    runAndExpect("p.focus()", {1, 0, 1, 0, 1});
-    runAndExpect("f.contentWindow.t.focus()", {1, 0, 1, 0, 1, 0});
-    runAndExpect("f.contentWindow.p.focus()", {1, 0, 1, 0, 1, 0, 1});
-    runAndExpect("f.remove()", {1, 0, 1, 0, 1, 0, 1, 0});
+TEST_F(PasswordFocusTest, PageLeftWithTheFocusInItsField_CountsAsLeft) {
+    server.serveHtml("/next", "<!doctype html><input>");
+    open("<input id=p type=password>");
+    runAndHear("p.focus()", {1});
+    runAndHear("location = '/next'", {1, 0});
 }
 
-TEST_F(PasswordFocusTest, Navigation) {
-    server.serve("/ready", {});
-    server.serveHtml("/next", "<!doctype html><input id=a>");
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password>") + kReady);
-    open(server.url("/"));
-    runAndExpect("p.focus()", {1});
-    runAndExpect("location='/next'", {1, 0});
+TEST_F(PasswordFocusTest, PageLeftForAnotherSite_CountsAsLeft) {
+    server.serveHtml("/next", "<!doctype html><input>");
+    open("<input id=p type=password>");
+    runAndHear("p.focus()", {1});
+    runAndHear("location = location.href.replace('127.0.0.1', 'localhost') + 'next'", {1, 0});
 }
 
-TEST_F(PasswordFocusTest, CrossSiteNavigation) {
-    server.serve("/ready", {});
-    server.serveHtml("/next", "<!doctype html><input id=a>");
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password>") + kReady);
-    open(server.url("/"));
-    runAndExpect("p.focus()", {1});
-    runAndExpect("location=location.href.replace('127.0.0.1','localhost')+'next'", {1, 0});
+TEST_F(PasswordFocusTest, PagesProcessKilled_CountsAsLeft) {
+    open("<input id=p type=password>");
+    runAndHear("p.focus()", {1});
+    for (const DWORD child : childProcesses()) {
+        if (childType(child) == "renderer") killProcess(child);
+    }
+    EXPECT_TRUE(game.waitFor("the report", [] { return heard() == Reports{1, 0}; }));
+    EXPECT_FALSE(isPasswordFieldFocused());
 }
 
-TEST_F(PasswordFocusTest, Killed) {
-    server.serve("/ready", {});
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password>") + kReady);
-    open(server.url("/"));
-    runAndExpect("p.focus()", {1});
-    for (DWORD c : childProcesses())
-        if (childType(c) == "renderer") killProcess(c);
-    runAndExpect(";", {1, 0});
-}
-
-TEST_F(PasswordFocusTest, CrossSiteFrames) {
-    server.serve("/ready", {});
-    std::string distant = server.url("/f");
-    distant.replace(distant.find("127.0.0.1"), 9, "localhost");
-    server.serveHtml(
-        "/f", "<!doctype html><input id=t><input id=p type=password><script>onmessage=e=>{eval(e.data)}</script>");
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password><iframe id=f src='" +
-                                      distant + "'></iframe>") +
-                              kReady);
-    open(server.url("/"));
-    run("a.focus()");
-    runAndExpect("f.contentWindow.postMessage('p.focus()','*')", {1});
-    runAndExpect("a.focus()", {1, 0});
-    runAndExpect("f.contentWindow.postMessage('p.focus()','*')", {1, 0, 1});
-    int n = 0;
-    for (DWORD c : childProcesses()) n += childType(c) == "renderer";
-    EXPECT_EQ(n, 2);
-    run("p.focus()");
-    game.pass(2s);
-    EXPECT_EQ(heard(), std::vector<int>{});
-    run("f.contentWindow.postMessage('p.focus()','*')");
-    game.pass(2s);
-    EXPECT_EQ(heard(), std::vector<int>{});
-    run("f.remove()");
-    game.pass(2s);
-    EXPECT_EQ(heard(), std::vector<int>{});
-}
-
-TEST_F(PasswordFocusTest, FieldRemoved) {
-    server.serve("/ready", {});
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password>") + kReady);
-    open(server.url("/"));
-    runAndExpect("p.focus()", {1});
-    runAndExpect("p.remove()", {1, 0});
+TEST_F(PasswordFocusTest, ViewClosedWithTheFocusInItsField_NoFieldIsFocused) {
+    open("<input id=p type=password>");
+    runAndHear("p.focus()", {1});
+    view.reset();
+    EXPECT_FALSE(isPasswordFieldFocused());
 }
 
 }  // namespace ZEMO::Test

@@ -75,6 +75,7 @@ struct ImeMessageList {
 extern "C" {
 __declspec(dllimport) ImeContext* WINAPI ImmLockIMC(HIMC context);
 __declspec(dllimport) BOOL WINAPI ImmUnlockIMC(HIMC context);
+__declspec(dllimport) HIMCC WINAPI ImmCreateIMCC(DWORD size);
 __declspec(dllimport) HIMCC WINAPI ImmReSizeIMCC(HIMCC block, DWORD size);
 __declspec(dllimport) void* WINAPI ImmLockIMCC(HIMCC block);
 __declspec(dllimport) BOOL WINAPI ImmUnlockIMCC(HIMCC block);

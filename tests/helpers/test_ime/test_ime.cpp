@@ -11,8 +11,7 @@ namespace ZEMO::Test {
 namespace {
 
 constexpr wchar_t kUiClass[] = L"ZEMOTestImeUi";
-constexpr DWORD kUnicode = 0x00080000;      // IME_PROP_UNICODE
-constexpr DWORD kNotifyComposition = 0x15;  // NI_COMPOSITIONSTR
+constexpr DWORD kUnicode = 0x00080000;  // IME_PROP_UNICODE
 
 struct Step {
     std::wstring text;
@@ -60,11 +59,16 @@ const Dictionary& dictionaryOf(WORD language) {
 
 std::string keys;  // of the one composition at a time
 
+/// A layout's high word is E and the language here.
+WORD language() { return HIWORD(HandleToULong(GetKeyboardLayout(0))) & 0x0FFF; }
+
 const Step* stepOf(const std::string& typedKeys) {
-    const Dictionary& dictionary = dictionaryOf(HIWORD(HandleToULong(GetKeyboardLayout(0))) & 0x0FFF);
+    const Dictionary& dictionary = dictionaryOf(language());
     const auto entry = dictionary.find(typedKeys);
     return entry == dictionary.end() ? nullptr : &entry->second;
 }
+
+void resize(HIMCC& block, DWORD size) { block = block ? ImmReSizeIMCC(block, size) : ImmCreateIMCC(size); }
 
 /// Builds a composition block part by part.
 class BlockWriter {
@@ -79,7 +83,7 @@ public:
     }
     void store(ImeContext* context) {
         header.size = static_cast<DWORD>(sizeof header + body.size());
-        context->composition = ImmReSizeIMCC(context->composition, header.size);
+        resize(context->composition, header.size);
         auto* block = static_cast<char*>(ImmLockIMCC(context->composition));
         memcpy(block, &header, sizeof header);
         memcpy(block + sizeof header, body.data(), body.size());
@@ -100,8 +104,10 @@ void store(HIMC himc, BlockWriter& writer) {
     }
 }
 
-Messages composeStep(HIMC himc, const Step& step, bool first) {
+/// `finished`: what the same message commits first, null for nothing.
+Messages composeStep(HIMC himc, const Step& step, bool first, const Step* finished) {
     BlockWriter writer;
+    if (finished) writer.addText(&ImeComposition::result, finished->text);
     writer.add(&ImeComposition::attributes, step.attributes.data(), step.attributes.size(), step.attributes.size());
     writer.add(&ImeComposition::clauses, step.clauses.data(), step.clauses.size() * sizeof(DWORD),
                step.clauses.size() * sizeof(DWORD));
@@ -110,8 +116,9 @@ Messages composeStep(HIMC himc, const Step& step, bool first) {
     store(himc, writer);
     Messages messages;
     if (first) messages.push_back({WM_IME_STARTCOMPOSITION, 0, 0});
-    messages.push_back(
-        {WM_IME_COMPOSITION, step.text.back(), GCS_COMPSTR | GCS_COMPATTR | GCS_COMPCLAUSE | GCS_CURSORPOS});
+    LPARAM flags = GCS_COMPSTR | GCS_COMPATTR | GCS_COMPCLAUSE | GCS_CURSORPOS;
+    if (finished) flags |= GCS_RESULTSTR;
+    messages.push_back({WM_IME_COMPOSITION, step.text.back(), flags});
     return messages;
 }
 
@@ -131,23 +138,31 @@ Messages cancel(HIMC himc) {
     return {{WM_IME_COMPOSITION, 0, 0}, {WM_IME_ENDCOMPOSITION, 0, 0}};
 }
 
+/// Korean users never say that a syllable is finished: the first letter of the next one does.
+bool beginsNextSyllable(UINT key) {
+    return language() == LANG_KOREAN && !keys.empty() && key < 0x80 && !stepOf(keys + static_cast<char>(key)) &&
+           stepOf(std::string(1, static_cast<char>(key)));
+}
+
 Messages takeKey(HIMC himc, UINT key) {
     if (key == VK_RETURN) return commit(himc);
     if (key == VK_ESCAPE) return cancel(himc);
     const bool first = keys.empty();
+    const Step* const finished = beginsNextSyllable(key) ? stepOf(keys) : nullptr;
+    if (finished) keys.clear();
     keys += static_cast<char>(key);
-    return composeStep(himc, *stepOf(keys), first);
+    return composeStep(himc, *stepOf(keys), first, finished);
 }
 
 bool wants(UINT key) {
     if (key == VK_RETURN || key == VK_ESCAPE) return !keys.empty();
-    return key < 0x80 && stepOf(keys + static_cast<char>(key));
+    return key < 0x80 && (stepOf(keys + static_cast<char>(key)) || beginsNextSyllable(key));
 }
 
 void generate(HIMC himc, const Messages& messages) {
     if (ImeContext* context = ImmLockIMC(himc)) {
         const size_t bytes = messages.size() * sizeof(ImeMessage);
-        context->messages = ImmReSizeIMCC(context->messages, static_cast<DWORD>(bytes));
+        resize(context->messages, static_cast<DWORD>(bytes));
         memcpy(ImmLockIMCC(context->messages), messages.data(), bytes);
         ImmUnlockIMCC(context->messages);
         context->messageCount = static_cast<DWORD>(messages.size());
@@ -186,13 +201,16 @@ UINT WINAPI ImeToAsciiEx(UINT key, UINT, const BYTE*, ImeMessageList* list, UINT
 }
 
 BOOL WINAPI NotifyIME(HIMC himc, DWORD action, DWORD index, DWORD) {
-    if (action != kNotifyComposition) return TRUE;
+    if (action != NI_COMPOSITIONSTR) return TRUE;
     if (keys.empty()) return TRUE;
     generate(himc, index == CPS_COMPLETE ? commit(himc) : cancel(himc));
     return TRUE;
 }
 
-BOOL WINAPI ImeSelect(HIMC, BOOL) { return TRUE; }
+BOOL WINAPI ImeSelect(HIMC, BOOL) {
+    keys.clear();
+    return TRUE;
+}
 BOOL WINAPI ImeSetActiveContext(HIMC, BOOL) { return TRUE; }
 BOOL WINAPI ImeSetCompositionString(HIMC, DWORD, const void*, DWORD, const void*, DWORD) { return FALSE; }
 BOOL WINAPI ImeConfigure(HKL, HWND, DWORD, void*) { return FALSE; }
