@@ -17,6 +17,10 @@ namespace {
 
 constexpr wchar_t kGameClass[] = L"ZEMOTestGameWindow";
 
+bool windowIsShared = false;
+HWND sharedWindow = nullptr;
+bool libraryStarted = false;
+
 // Wakes the waiting game thread whenever a recorder has something new.
 HANDLE wakeEvent() {
     static const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
@@ -45,12 +49,12 @@ std::ostream& operator<<(std::ostream& out, const FrameRect& rect) {
 }
 
 ZEMO::UI::OsrFramePresentCallback FrameRecorder::callback() {
-    return [this](const void* pixels, int width, int height, int x, int y, int w, int h) {
-        take(pixels, width, height, {x, y, w, h});
+    return [record = record](const void* pixels, int width, int height, int x, int y, int w, int h) {
+        record->take(pixels, width, height, {x, y, w, h});
     };
 }
 
-void FrameRecorder::take(const void* pixels, int width, int height, FrameRect dirty) {
+void FrameRecorder::Record::take(const void* pixels, int width, int height, FrameRect dirty) {
     {
         const std::lock_guard lock(mutex);
         calls.push_back({width, height, dirty, pixels == nullptr, std::chrono::steady_clock::now()});
@@ -72,41 +76,41 @@ void FrameRecorder::take(const void* pixels, int width, int height, FrameRect di
 }
 
 std::vector<Frame> FrameRecorder::frames() const {
-    const std::lock_guard lock(mutex);
-    return calls;
+    const std::lock_guard lock(record->mutex);
+    return record->calls;
 }
 
 size_t FrameRecorder::frameCount() const {
-    const std::lock_guard lock(mutex);
-    return calls.size();
+    const std::lock_guard lock(record->mutex);
+    return record->calls.size();
 }
 
 Frame FrameRecorder::lastFrame() const {
-    const std::lock_guard lock(mutex);
-    return calls.empty() ? Frame{} : calls.back();
+    const std::lock_guard lock(record->mutex);
+    return record->calls.empty() ? Frame{} : record->calls.back();
 }
 
 uint32_t FrameRecorder::pixel(int x, int y) const {
-    const std::lock_guard lock(mutex);
-    if (x < 0 || y < 0 || x >= imageWidth || y >= imageHeight) return 0;
-    return image[static_cast<size_t>(y) * imageWidth + x];
+    const std::lock_guard lock(record->mutex);
+    if (x < 0 || y < 0 || x >= record->imageWidth || y >= record->imageHeight) return 0;
+    return record->image[static_cast<size_t>(y) * record->imageWidth + x];
 }
 
 std::vector<uint32_t> FrameRecorder::picture(int* width, int* height) const {
-    const std::lock_guard lock(mutex);
-    *width = imageWidth;
-    *height = imageHeight;
-    return image;
+    const std::lock_guard lock(record->mutex);
+    *width = record->imageWidth;
+    *height = record->imageHeight;
+    return record->image;
 }
 
 bool FrameRecorder::replayMatches() const {
-    const std::lock_guard lock(mutex);
-    return matches;
+    const std::lock_guard lock(record->mutex);
+    return record->matches;
 }
 
 void FrameRecorder::forgetFrames() {
-    const std::lock_guard lock(mutex);
-    calls.clear();
+    const std::lock_guard lock(record->mutex);
+    record->calls.clear();
 }
 
 bool FrameRecorder::savePng(const std::string& path) const {
@@ -173,42 +177,53 @@ LRESULT CALLBACK GameHost::windowProc(HWND hwnd, UINT message, WPARAM wParam, LP
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
-void GameHost::makeWindow(int clientWidth, int clientHeight) {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = &GameHost::windowProc;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_CROSS);
-    windowClass.lpszClassName = kGameClass;
-    RegisterClassW(&windowClass);
-    RECT rect{0, 0, clientWidth, clientHeight};
-    AdjustWindowRect(&rect, WS_OVERLAPPEDWINDOW, FALSE);
-    window = CreateWindowExW(0, kGameClass, L"game", WS_OVERLAPPEDWINDOW, 40, 40, rect.right - rect.left,
-                             rect.bottom - rect.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+void GameHost::shareWindow() { windowIsShared = true; }
+
+GameHost::GameHost(Options options) {
+    if (options.mainWindow) makeWindow(options);
+    if (options.disableGpuCompositing) ZEMO::UI::setUIEngineOsrRenderEnabled(1);
+    if (options.startLibrary && !(windowIsShared && libraryStarted)) {
+        ZEMO::UI::InitUILibrary();
+        libraryStarted = true;
+    }
+    if (options.presentCallback) ZEMO::UI::setUIOsrFramePresentCallback(frames.callback());
+}
+
+void GameHost::makeWindow(const Options& options) {
+    window = sharedWindow;
+    if (!window) {
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = &GameHost::windowProc;
+        windowClass.hInstance = GetModuleHandleW(nullptr);
+        windowClass.hCursor = LoadCursorW(nullptr, IDC_CROSS);
+        windowClass.lpszClassName = kGameClass;
+        RegisterClassW(&windowClass);
+        RECT rect{0, 0, options.clientWidth, options.clientHeight};
+        AdjustWindowRect(&rect, WS_OVERLAPPEDWINDOW, FALSE);
+        window = CreateWindowExW(0, kGameClass, L"game", WS_OVERLAPPEDWINDOW, 40, 40, rect.right - rect.left,
+                                 rect.bottom - rect.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        if (windowIsShared) sharedWindow = window;
+    }
+    dispatchWaiting();  // what the last host left is nobody's
+    fetchedMessages.clear();
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     ShowWindow(window, SW_SHOWNORMAL);
     pass(50ms);
-    resizeClient(clientWidth, clientHeight);
+    resizeClient(options.clientWidth, options.clientHeight);
 }
 
 void GameHost::remakeWindow(int clientWidth, int clientHeight) {
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);
     DestroyWindow(window);
-    makeWindow(clientWidth, clientHeight);
-}
-
-GameHost::GameHost(Options options) {
-    if (options.mainWindow) makeWindow(options.clientWidth, options.clientHeight);
-    if (options.disableGpuCompositing) ZEMO::UI::setUIEngineOsrRenderEnabled(1);
-    if (options.startLibrary) ZEMO::UI::InitUILibrary();
-    if (options.presentCallback) ZEMO::UI::setUIOsrFramePresentCallback(frames.callback());
+    sharedWindow = nullptr;
+    makeWindow({.clientWidth = clientWidth, .clientHeight = clientHeight});
 }
 
 GameHost::~GameHost() {
     ZEMO::UI::setUIOsrFramePresentCallback(nullptr);
-    if (window) {
-        SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-        DestroyWindow(window);
-    }
+    if (!window) return;
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    if (window != sharedWindow) DestroyWindow(window);
 }
 
 std::shared_ptr<ZEMO::UI::IZEMOWebView> GameHost::makeView(const std::string& address, NavigationRecorder& recorder) {

@@ -36,7 +36,7 @@ struct Frame {
 
 /// Stands in for a game's frame consumer: copies changed rectangles into its own picture as a game would, keeps the
 /// list of calls, wakes the waiter. `replayMatches` says whether that picture still equals the frame that was handed
-/// out.
+/// out. The callback shares the record: the engine thread may be in a last frame when the test's own recorder goes.
 class FrameRecorder {
 public:
     ZEMO::UI::OsrFramePresentCallback callback();
@@ -52,12 +52,15 @@ public:
     bool savePng(const std::string& path) const;
 
 private:
-    void take(const void* pixels, int width, int height, FrameRect dirty);
-    mutable std::mutex mutex;
-    std::vector<Frame> calls;
-    std::vector<uint32_t> image;
-    int imageWidth = 0, imageHeight = 0;
-    bool matches = true;
+    struct Record {
+        void take(const void* pixels, int width, int height, FrameRect dirty);
+        std::mutex mutex;
+        std::vector<Frame> calls;
+        std::vector<uint32_t> image;
+        int imageWidth = 0, imageHeight = 0;
+        bool matches = true;
+    };
+    std::shared_ptr<Record> record = std::make_shared<Record>();
 };
 
 /// Records a view's navigation events, in order, as text: "starting", "failed -105", "completed", "requested URL",
@@ -101,7 +104,7 @@ struct GameMessage {
 };
 
 /// A game's side of the library: a visible main window on this thread, the started library, and waits that keep the
-/// window's messages going. One for each test process. Destroys its window last.
+/// window's messages going. One at a time. Destroys its window last, unless the process keeps it.
 class GameHost {
 public:
     struct Options {
@@ -114,6 +117,10 @@ public:
     GameHost() : GameHost(Options{}) {}
     explicit GameHost(Options options);
     ~GameHost();
+
+    /// From now on one window and one start of the library serve all hosts of this process, one after the other: the
+    /// engine starts once in a process, and the library stays with the window that it found.
+    static void shareWindow();
 
     /// A view on `address` with a copy of the recorder, which this object keeps, as its delegate; not shown yet.
     std::shared_ptr<ZEMO::UI::IZEMOWebView> makeView(const std::string& address, NavigationRecorder& recorder);
@@ -135,7 +142,7 @@ public:
     std::vector<GameMessage> fetchedMessages;
 
 private:
-    void makeWindow(int clientWidth, int clientHeight);
+    void makeWindow(const Options& options);
     void dispatchWaiting();
     static LRESULT CALLBACK windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>> delegates;
