@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "layers/window_messages.h"
+#include "layers/xinput_switch.h"
 #include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
@@ -91,7 +92,7 @@ protected:
     static bool isRaised() { return priority() == REALTIME_PRIORITY_CLASS || priority() == HIGH_PRIORITY_CLASS; }
 
     const HMODULE xinput = LoadLibraryW(L"xinput1_4.dll");  ///< there, as after the library's start
-    ImportReplaced lookUp{"GetProcAddress", &findXInputHere};
+    ZEMO::Test::ImportReplaced lookUp{"GetProcAddress", &findXInputHere};
     std::shared_ptr<Journal> journal = std::make_shared<Journal>();
     ZEMOMultiLayerManager manager;  ///< one of the test's own, always empty at first
     LRESULT result = -1;

@@ -628,7 +628,7 @@ protected:
     ~ZemoWindowOwnPointer() override { closeAll(); }
 
 private:
-    ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};
+    ZEMO::Test::ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};
 };
 
 constexpr WPARAM kPointer7 = MAKEWPARAM(7, 0x1234);
