@@ -127,7 +127,8 @@ TEST_F(PasswordFocusTest, Killed) {
     server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password>") + kReady);
     open(server.url("/"));
     runAndExpect("p.focus()", {1});
-    for (DWORD c : childProcesses()) if (childType(c) == "renderer") killProcess(c);
+    for (DWORD c : childProcesses())
+        if (childType(c) == "renderer") killProcess(c);
     runAndExpect(";", {1, 0});
 }
 
@@ -135,14 +136,18 @@ TEST_F(PasswordFocusTest, CrossSiteFrames) {
     server.serve("/ready", {});
     std::string distant = server.url("/f");
     distant.replace(distant.find("127.0.0.1"), 9, "localhost");
-    server.serveHtml("/f", "<!doctype html><input id=t><input id=p type=password><script>onmessage=e=>{eval(e.data)}</script>");
-    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password><iframe id=f src='" + distant + "'></iframe>") + kReady);
+    server.serveHtml(
+        "/f", "<!doctype html><input id=t><input id=p type=password><script>onmessage=e=>{eval(e.data)}</script>");
+    server.serveHtml("/", std::string("<!doctype html><input id=a><input id=p type=password><iframe id=f src='" +
+                                      distant + "'></iframe>") +
+                              kReady);
     open(server.url("/"));
     run("a.focus()");
     runAndExpect("f.contentWindow.postMessage('p.focus()','*')", {1});
     runAndExpect("a.focus()", {1, 0});
     runAndExpect("f.contentWindow.postMessage('p.focus()','*')", {1, 0, 1});
-    int n = 0; for (DWORD c : childProcesses()) n += childType(c) == "renderer";
+    int n = 0;
+    for (DWORD c : childProcesses()) n += childType(c) == "renderer";
     EXPECT_EQ(n, 2);
     run("p.focus()");
     game.pass(2s);

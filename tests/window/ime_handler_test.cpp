@@ -102,7 +102,8 @@ private:
         int cursor = 0;
         if (!handler->getComposition(flags, text, underlines, cursor)) return;
         std::string line = std::format("compose {} cursor {}", utf8(text), cursor);
-        for (const auto& u : underlines) line += std::format(" {}-{}{}", u.range.from, u.range.to, u.thick ? " thick" : "");
+        for (const auto& u : underlines)
+            line += std::format(" {}-{}{}", u.range.from, u.range.to, u.thick ? " thick" : "");
         lines.push_back(line);
     }
 };
@@ -113,7 +114,8 @@ TEST(OsrImeHandlerWin, Probe) {
     ImeWindow target;
     ImeKeyboard keyboard(LANG_KOREAN);
     ASSERT_TRUE(keyboard.isActive());
-    ASSERT_TRUE(target.waitFor("the focus", [&] { return GetFocus() == target.window && GetForegroundWindow() == target.window; }));
+    ASSERT_TRUE(target.waitFor("the focus",
+                               [&] { return GetFocus() == target.window && GetForegroundWindow() == target.window; }));
     ImeKeyboard::setOpen(target.window, true);
     EXPECT_TRUE(ImeKeyboard::isOpen(target.window));
     pressKeys({'G', 'K', 'S', VK_RETURN});
