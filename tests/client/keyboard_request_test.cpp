@@ -5,7 +5,7 @@
 
 #include "engine/game_host.h"
 #include "layers/deck/on_screen_keyboard_rules.h"
-#include "layers/pointer_messages.h"
+#include "layers/messages/pointer_messages.h"
 #include "support/http_server.h"
 #include "support/keyboard_key.h"
 #include "support/own_window.h"
