@@ -44,9 +44,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     description.hInstance = instance;
     description.lpszClassName = kClass;
     RegisterClassW(&description);
-    const HWND window = CreateWindowExW(WS_EX_NOACTIVATE, kClass, L"", WS_POPUP | WS_VISIBLE, setting(L"WindowLeft", 7),
-                                        setting(L"WindowTop", 8), setting(L"WindowWidth", 90),
-                                        setting(L"WindowHeight", 60), nullptr, nullptr, instance, nullptr);
+    const HWND window =
+        CreateWindowExW(WS_EX_NOACTIVATE, kClass, L"", WS_POPUP, setting(L"WindowLeft", 7), setting(L"WindowTop", 8),
+                        setting(L"WindowWidth", 90), setting(L"WindowHeight", 60), nullptr, nullptr, instance, nullptr);
+    ShowWindow(window, SW_SHOWNOACTIVATE);  // who types keeps the focus
     SetTimer(window, 1, kLongestLifeMs, nullptr);
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);

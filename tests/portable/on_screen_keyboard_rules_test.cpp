@@ -13,6 +13,7 @@ constexpr ScreenMetrics kUnscaled1080{1920, 1080, 1920, 1080};
 constexpr ScreenMetrics kScaled1080{1280, 720, 1920, 1080};
 constexpr ScreenMetrics kUnscaled768{1366, 768, 1366, 768};
 constexpr ScreenMetrics kScaled2160{1920, 1080, 3840, 2160};
+constexpr ScreenMetrics kHalfAPixel{1680, 1050, 1680, 1050};
 constexpr ScreenMetrics kDeck{1280, 800, 1280, 800};
 constexpr ScreenMetrics kNothing{0, 0, 0, 0};
 constexpr ScreenMetrics kHuge{UINT_MAX, UINT_MAX, UINT_MAX, UINT_MAX};
@@ -32,13 +33,14 @@ constexpr PlaceCase kPlaces[] = {
     // 35 % of 768 is 268.8: the one cuts 499.2, the other takes 268 from 768.
     {false, kUnscaled768, {0, 0, 1366, 268}, {0, 0, 1366, 268}},
     {true, kUnscaled768, {0, 499, 1366, 268}, {0, 500, 1366, 268}},
+    {true, kHalfAPixel, {0, 682, 1680, 367}, {0, 683, 1680, 367}},
     {true, kDeck, {0, 520, 1280, 280}, {0, 520, 1280, 280}},
     {true, kNothing, {0, 0, 0, 0}, {0, 0, 0, 0}},
     {false, kHuge, {0, 0, INT_MAX, 1503238528}, {0, 0, INT_MAX, 1503238528}},
 };
 
 TEST(OnScreenKeyboardRules, Places_FullWidthAndThirtyFivePercentOfTheHeight) {
-    ASSERT_EQ(std::size(kPlaces), 10u);
+    ASSERT_EQ(std::size(kPlaces), 11u);
     for (const PlaceCase& c : kPlaces) {
         const std::string what = std::to_string(c.metrics.deviceHeight) + (c.atBottom ? " bottom" : " top");
         EXPECT_EQ(startingKeyboardPlace(c.atBottom, c.metrics), c.starting) << what;
