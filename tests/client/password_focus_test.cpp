@@ -30,8 +30,16 @@ std::vector<int> heard() {
 
 class PasswordFocusTest : public ::testing::Test {
 protected:
-    PasswordFocusTest() { setImeEventCallback(&onImeEvent); }
-    ~PasswordFocusTest() override { setImeEventCallback(nullptr); }
+    PasswordFocusTest() {
+        setPasswordFieldFocused(false);  // the last test may have ended in a field
+        setImeEventCallback(&onImeEvent);
+    }
+    ~PasswordFocusTest() override {
+        setImeEventCallback(nullptr);
+        view.reset();
+        const std::lock_guard lock(reportsMutex);
+        reports.clear();
+    }
 
     void open(const std::string& address) {
         view.emplace(game, address);
