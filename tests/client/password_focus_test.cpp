@@ -30,10 +30,15 @@ Reports heard() {
 
 class PasswordFocusTest : public ::testing::Test {
 protected:
-    PasswordFocusTest() { setImeEventCallback(&onImeEvent); }
+    PasswordFocusTest() {
+        setPasswordFieldFocused(false);  // the last test may have ended in a field
+        setImeEventCallback(&onImeEvent);
+    }
     ~PasswordFocusTest() override {
         view.reset();
         setImeEventCallback(nullptr);
+        const std::lock_guard lock(reportsMutex);
+        reports.clear();
     }
 
     void open(const std::string& html) {

@@ -42,8 +42,8 @@ bool lockIsFree(const fs::path& cache) {
     return true;
 }
 
-/// They end by themselves once their game is gone; when is the system's to say, and a crowded one takes its time. So this
-/// waits as long as a test may run, and says what it took.
+/// They end by themselves once their game is gone; when is the system's to say, and a crowded one takes its time. So
+/// this waits as long as a test may run, and says what it took.
 bool noEngineProcessLeft(const fs::path& directory) {
     constexpr ULONGLONG kTestMs = 240'000;
     constexpr ULONGLONG kUsualMs = 5000;
