@@ -3,7 +3,9 @@
 
 #include <imm.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 
 #include "client/ime_page.h"
@@ -53,15 +55,17 @@ void checkCandidatesAtTheCaret(float scale) {
             return std::sscanf(line.c_str(), "from %d to %d top %d bottom %d", &from, &to, &top, &bottom) == 4;
         });
     }));
-    const auto near = [&](int logical, LONG px) { return std::abs(logical * scale - static_cast<float>(px)) <= 2 * scale; };
+    const auto isAt = [&](int logical, LONG px) {
+        return std::abs(logical * scale - static_cast<float>(px)) <= 2 * scale;
+    };
     const auto placed = [&] {
         const CANDIDATEFORM form = candidateOf(page.window);
-        return form.dwStyle == CFS_EXCLUDE && near(from, form.rcArea.left) && near(to, form.rcArea.right);
+        return form.dwStyle == CFS_EXCLUDE && isAt(from, form.rcArea.left) && isAt(to, form.rcArea.right);
     };
     EXPECT_TRUE(page.game.waitFor("the candidate window's place", placed, 10s));
     const CANDIDATEFORM form = candidateOf(page.window);
-    EXPECT_TRUE(near(from, form.ptCurrentPos.x)) << form.ptCurrentPos.x << " for " << from;
-    EXPECT_TRUE(near(to, form.rcArea.right)) << form.rcArea.right << " for " << to;
+    EXPECT_TRUE(isAt(from, form.ptCurrentPos.x)) << form.ptCurrentPos.x << " for " << from;
+    EXPECT_TRUE(isAt(to, form.rcArea.right)) << form.rcArea.right << " for " << to;
     EXPECT_GE(form.rcArea.top, std::lround(top * scale) - 1);
     EXPECT_LE(form.rcArea.bottom, std::lround(bottom * scale) + 1);
     EXPECT_GT(form.rcArea.bottom, form.rcArea.top);

@@ -54,7 +54,8 @@ protected:
     /// Runs the script; what was heard so far is `expected` then.
     void runAndHear(const std::string& script, const Reports& expected) {
         run(script);
-        EXPECT_TRUE(game.waitFor(script.c_str(), [&] { return heard() == expected; }, 10s))
+        EXPECT_TRUE(game.waitFor(
+            script.c_str(), [&] { return heard() == expected; }, 10s))
             << "heard " << ::testing::PrintToString(heard());
         EXPECT_EQ(isPasswordFieldFocused(), !expected.empty() && expected.back() == 1) << script;
     }

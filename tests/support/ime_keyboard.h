@@ -30,5 +30,7 @@ private:
 
 /// Presses and releases the keys, one after the other, as a user does: they go to the window that has the focus.
 void pressKeys(std::initializer_list<WORD> virtualKeys);
+/// The same with Shift held.
+void pressKeysWithShift(std::initializer_list<WORD> virtualKeys);
 
 }  // namespace ZEMO::Test
