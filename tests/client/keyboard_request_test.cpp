@@ -5,8 +5,8 @@
 
 #include "engine/game_host.h"
 #include "layers/deck/on_screen_keyboard_rules.h"
-#include "layers/messages/pointer_messages.h"
 #include "support/http_server.h"
+#include "support/import_replaced.h"
 #include "support/keyboard_key.h"
 #include "support/own_window.h"
 #include "support/stand_in_keyboard.h"
@@ -178,12 +178,8 @@ protected:
         ASSERT_TRUE(keyboard.installed()) << "the system has a keyboard of its own, which tests leave alone";
         ASSERT_EQ(findKeyboardWindow(), nullptr);
         key.create();
-        pointerInfoSource = &touchInfo;
     }
-    ~OnScreenKeyboardRequest() override {
-        view.reset();
-        pointerInfoSource = &::GetPointerInfo;
-    }
+    ~OnScreenKeyboardRequest() override { view.reset(); }
 
     void touch(POINT at) {
         touchPoint = at;
@@ -194,7 +190,10 @@ protected:
     }
     /// Moves the game's window so that this point of its client area lies on that line of the screen.
     void putOnLine(POINT client, int screenY) {
-        RECT frame{};
+        RECT frame{
+private:
+    ImportReplaced pointerInfo{"GetPointerInfo", &touchInfo};
+};
         GetWindowRect(game.window, &frame);
         POINT now = client;
         ClientToScreen(game.window, &now);
@@ -311,9 +310,10 @@ class DeckWindow : public KeyboardRequest {
 protected:
     void SetUp() override {
         server.serveHtml("/",
-                         "<!doctype html><body style=margin:0><input inputmode=numeric "
+                         "<!doctype html><body style=margin:0><input inputmode=numeric onfocus=\"fetch('/focused')\" "
                          "style='position:absolute;left:5px;top:5px;width:80px;height:16px'>"
-                         "<script>onload=()=>fetch('/size/'+innerWidth+'x'+innerHeight)</script>");
+                         "<script>onload=()=>{fetch('/size/'+innerWidth+'x'+innerHeight);"
+                         "requestAnimationFrame(()=>requestAnimationFrame(()=>fetch('/painted')))}</script>");
         takeCalls();
         view = game.makeView(server.url("/"), events);
         view->setDisplayMode(1);
@@ -341,6 +341,15 @@ TEST_F(DeckWindow, Shown_PageFillsTheWindowButForTheStrip) {
     GetClientRect(window, &client);
     const std::string size = "/size/" + std::to_string(client.right) + "x" + std::to_string(client.bottom - 45);
     EXPECT_TRUE(game.waitFor(size.c_str(), [&] { return server.requestCount(size) == 1; }));
+}
+
+TEST_F(DeckWindow, FieldClicked_GameIsAskedForItsKeyboard) {
+    // Before its first frame the engine finds nothing under a point.
+    ASSERT_TRUE(game.waitFor("a frame", [&] { return server.requestCount("/painted") == 1; }));
+    SendMessageW(page, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(40, 13));
+    SendMessageW(page, WM_LBUTTONUP, 0, MAKELPARAM(40, 13));
+    ASSERT_TRUE(game.waitFor("the field's focus", [&] { return server.requestCount("/focused") == 1; }));
+    EXPECT_TRUE(game.waitFor("the game's callback", [&] { return types.get() == std::vector<int>{3}; }));
 }
 
 TEST_F(DeckWindow, ButtonPressed_WindowCloses) {
