@@ -190,10 +190,7 @@ protected:
     }
     /// Moves the game's window so that this point of its client area lies on that line of the screen.
     void putOnLine(POINT client, int screenY) {
-        RECT frame{
-private:
-    ImportReplaced pointerInfo{"GetPointerInfo", &touchInfo};
-};
+        RECT frame{};
         GetWindowRect(game.window, &frame);
         POINT now = client;
         ClientToScreen(game.window, &now);
@@ -225,6 +222,9 @@ private:
 
     KeyboardKey key;
     StandInKeyboard keyboard;
+
+private:
+    ImportReplaced pointerInfo{"GetPointerInfo", &touchInfo};
 };
 
 }  // namespace

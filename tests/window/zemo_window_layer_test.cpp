@@ -547,7 +547,8 @@ protected:
     }
 
 private:
-    ZEMO::Test::ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};  // a posted pointer message carries no data here
+    ZEMO::Test::ImportReplaced pointerInfo{"GetPointerInfo",
+                                           &fakePointerInfo};  // a posted pointer message carries no data here
 };
 
 constexpr WPARAM kPointer7 = MAKEWPARAM(7, 0x1234);  // the flags in the high word are not part of the id
