@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "layers/posted_text.h"
+#include "core/posted_text.h"
 #include "layers/window_messages.h"
 #include "window/window_test_support.h"
 #include "zemo/ui.h"
@@ -101,7 +101,7 @@ TEST_F(RemoteInputMessages, Text_ComesWholeAndIsTheReceivers) {
         ASSERT_EQ(found.size(), 1u) << action;
         EXPECT_EQ(found[0].message, kMessageExternalText);
         EXPECT_EQ(found[0].wParam, 0u);
-        EXPECT_EQ(*takePostedText(found[0].lParam), text);
+        EXPECT_EQ(*ZEMO::Core::takePostedText(found[0].lParam), text);
     }
 }
 

@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/posted_text.h"
 #include "core/process_state.h"
 #include "layers/cursor_restore.h"
 #include "layers/input_modifiers.h"
 #include "layers/messages/pointer_messages.h"
 #include "layers/messages/track_mouse_leave.h"
-#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 #include "window/call_watch.h"
 #include "window/cursor_file_for_test.h"
@@ -193,9 +193,9 @@ TEST_F(ZemoWindowLayer, LeftPressWithoutFrameConsumer_GoesToThePageAndToTheGame)
 TEST_F(ZemoWindowLayer, PostedTexts_ReachTheLayerOnceAndAreFreed) {
     make();
     const std::string payload(1000, 'p');  // on the heap; a leak or a double free shows under the guarded allocator
-    ASSERT_TRUE(postText(window(), kMessageExternalScript, payload));
+    ASSERT_TRUE(Core::postText(window(), kMessageExternalScript, payload));
     ASSERT_TRUE(journal->waitFor("onExternalScript(" + payload + ")"));
-    ASSERT_TRUE(postText(window(), kMessageExternalText, "\xED\x95\x9C"));
+    ASSERT_TRUE(Core::postText(window(), kMessageExternalText, "\xED\x95\x9C"));
     ASSERT_TRUE(journal->waitFor("onExternalText(\xED\x95\x9C)"));
     EXPECT_TRUE(game().waitForMessage(kMessageExternalScript));  // not consumed
     EXPECT_TRUE(game().waitForMessage(kMessageExternalText));
@@ -223,7 +223,7 @@ TEST_F(ZemoWindowLayer, GamesOwnMessageUnderATextsNumber_ReachesItWithItsPointer
 
 TEST_F(ZemoWindowLayer, TextPostedToADeadWindow_ReturnsFalse) {
     make();
-    EXPECT_FALSE(postText(reinterpret_cast<HWND>(0x7FFF1234), kMessageExternalText, std::string(1000, 'x')));
+    EXPECT_FALSE(Core::postText(reinterpret_cast<HWND>(0x7FFF1234), kMessageExternalText, std::string(1000, 'x')));
 }
 
 TEST_F(ZemoWindowLayer, ConsumedMessagesPostedFromAnotherThread_AreHiddenFromTheGame) {

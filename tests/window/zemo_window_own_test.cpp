@@ -12,10 +12,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/posted_text.h"
 #include "layers/cursor_restore.h"
 #include "layers/messages/pointer_messages.h"
 #include "layers/messages/track_mouse_leave.h"
-#include "layers/posted_text.h"
 #include "layers/window_messages.h"
 #include "render/display_scale.h"
 #include "render/pixel_scale.h"
@@ -467,7 +467,7 @@ TEST_F(ZemoWindowOwn, CharacterPosition_IsAnsweredWithOneOrByTheDefault) {
 TEST_F(ZemoWindowOwn, PostedScript_ReachesTheLayerOnce) {
     make();
     const std::string payload(1000, 'p');
-    ASSERT_TRUE(postText(window, kMessageExternalScript, payload));
+    ASSERT_TRUE(Core::postText(window, kMessageExternalScript, payload));
     EXPECT_TRUE(everything->waitFor("onExternalScript(" + payload + ")"));
     EXPECT_EQ(everything->count("onExternalScript(" + payload + ")"), 1u);
 }
