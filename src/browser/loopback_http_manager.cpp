@@ -87,12 +87,10 @@ void LoopbackHttpManager::openUrl(const std::string& url) {
 std::string LoopbackHttpManager::generateRequestId() {
     static std::mt19937_64 generator{std::random_device{}()};
     std::uniform_int_distribution<int> digit(0, 15);
+    const std::lock_guard lock(requestsMutex);  // of the generator as well: several launches come here at a time
     for (;;) {
         std::string id;
         for (std::size_t i = 0; i < kRequestIdLength; ++i) id += "0123456789abcdef"[digit(generator)];
-        {
-            const std::lock_guard lock(requestsMutex);
-        }
         if (!requests.contains(id)) return id;
     }
 }
