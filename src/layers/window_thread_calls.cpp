@@ -1,10 +1,11 @@
 #include "layers/window_thread_calls.h"
 
-#include <memory>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include "core/never_destroyed.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -18,7 +19,7 @@ struct WaitingCalls {
     std::unordered_map<HWND, Calls> byWindow;
 };
 WaitingCalls& waitingCalls() {
-    static auto* const instance = std::make_unique<WaitingCalls>().release();
+    static Core::NeverDestroyed<WaitingCalls> instance;
     return *instance;
 }
 

@@ -40,6 +40,7 @@ BOOL WINAPI moveHandle(HANDLE sourceProcess, HANDLE source, HANDLE targetProcess
 bool divertHandleMoves(HMODULE module) {
     void** const place = findImport(module, "DuplicateHandle");
     if (!place) return false;
+    if (*place == reinterpret_cast<void*>(&moveHandle)) return true;  // a second time it would be its own predecessor
     original = reinterpret_cast<DuplicateFunction>(*place);
     return replaceImport(place, reinterpret_cast<void*>(&moveHandle));
 }

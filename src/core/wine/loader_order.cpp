@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "core/system_function.h"
+
 namespace ZEMO::Core::Wine {
 namespace {
 
@@ -33,13 +35,8 @@ static_assert(offsetof(LoaderData, initializationOrder) == 0x30);
 
 constexpr ULONG kEntryPointWasCalled = 0x00080000;
 
-template <class Function>
-Function systemFunction(const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
-}
-
 LIST_ENTRY* initializationOrder() {
-    const auto currentPeb = systemFunction<PEB*(NTAPI*)()>("RtlGetCurrentPeb");
+    const auto currentPeb = ntdllFunction<PEB*(NTAPI*)()>("RtlGetCurrentPeb");
     auto* const data = currentPeb ? reinterpret_cast<LoaderData*>(currentPeb()->Ldr) : nullptr;
     return data ? &data->initializationOrder : nullptr;
 }
@@ -80,12 +77,12 @@ class LoaderLock {
 public:
     LoaderLock() {
         using Lock = NTSTATUS(NTAPI*)(ULONG, ULONG*, ULONG_PTR*);
-        const auto lock = systemFunction<Lock>("LdrLockLoaderLock");
+        const auto lock = ntdllFunction<Lock>("LdrLockLoaderLock");
         held = lock && lock(0, nullptr, &cookie) >= 0;
     }
     ~LoaderLock() {
         using Unlock = NTSTATUS(NTAPI*)(ULONG, ULONG_PTR);
-        const auto unlock = held ? systemFunction<Unlock>("LdrUnlockLoaderLock") : nullptr;
+        const auto unlock = held ? ntdllFunction<Unlock>("LdrUnlockLoaderLock") : nullptr;
         if (unlock) unlock(0, cookie);
     }
     LoaderLock(const LoaderLock&) = delete;

@@ -8,6 +8,7 @@
 
 #include "core/detached_thread.h"
 #include "core/log.h"
+#include "core/never_destroyed.h"
 #include "core/unique_handle.h"
 
 namespace ZEMO::Core::Wine {
@@ -138,7 +139,7 @@ RemoteCloser::RemoteCloser(DuplicateFunction duplicate, Limits limits)
     : state(std::make_shared<State>(duplicate, limits)) {}
 
 RemoteCloser& RemoteCloser::instance(DuplicateFunction duplicate) {
-    static auto* const closer = std::make_unique<RemoteCloser>(duplicate, Limits{}).release();
+    static NeverDestroyed<RemoteCloser> closer(duplicate, Limits{});
     return *closer;
 }
 

@@ -17,7 +17,7 @@ struct WebViewLink {
 /// The browser client of one web layer. Engine thread, but for the operations of its base.
 class CefAdapter : public CefHandler {
 public:
-    CefAdapter(WebViewLink delegate, HWND window, WindowStyle windowStyle, bool hasCloseButton, HMODULE hookModule,
+    CefAdapter(WebViewLink link, HWND window, WindowStyle windowStyle, bool hasCloseButton, HMODULE hookModule,
                uint32_t hookSleepTime, OsrFramePresentCallback framePresentCallback);
 
     virtual void navigationStarting();

@@ -79,7 +79,7 @@ public:
     CefRefPtr<CefLoadHandler> GetLoadHandler() override { return this; }
     CefRefPtr<CefRenderHandler> GetRenderHandler() override { return this; }
     CefRefPtr<CefRequestHandler> GetRequestHandler() override { return this; }
-    bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, CefProcessId source_process,
+    bool OnProcessMessageReceived(CefRefPtr<CefBrowser> source, CefRefPtr<CefFrame> frame, CefProcessId source_process,
                                   CefRefPtr<CefProcessMessage> message) override;
 
     // CefLifeSpanHandler
@@ -89,7 +89,7 @@ public:
                        const CefPopupFeatures& popupFeatures, CefWindowInfo& windowInfo, CefRefPtr<CefClient>& client,
                        CefBrowserSettings& settings, CefRefPtr<CefDictionaryValue>& extra_info,
                        bool* no_javascript_access) override;
-    void OnAfterCreated(CefRefPtr<CefBrowser> browser) override;
+    void OnAfterCreated(CefRefPtr<CefBrowser> created) override;
     void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
 
     // CefDisplayHandler
@@ -98,14 +98,14 @@ public:
 
     // CefRenderHandler
     void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
-    bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& screen_info) override;
-    void OnPopupShow(CefRefPtr<CefBrowser> browser, bool show) override;
-    void OnPopupSize(CefRefPtr<CefBrowser> browser, const CefRect& rect) override;
-    void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects, const void* buffer,
+    bool GetScreenInfo(CefRefPtr<CefBrowser> source, CefScreenInfo& screen_info) override;
+    void OnPopupShow(CefRefPtr<CefBrowser> source, bool show) override;
+    void OnPopupSize(CefRefPtr<CefBrowser> source, const CefRect& rect) override;
+    void OnPaint(CefRefPtr<CefBrowser> source, PaintElementType type, const RectList& dirtyRects, const void* buffer,
                  int width, int height) override;
-    void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> browser, const CefRange& selected_range,
+    void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> source, const CefRange& selected_range,
                                       const RectList& character_bounds) override;
-    void OnTextSelectionChanged(CefRefPtr<CefBrowser> browser, const CefString& selected_text,
+    void OnTextSelectionChanged(CefRefPtr<CefBrowser> source, const CefString& selected_text,
                                 const CefRange& selected_range) override;
 
 protected:

@@ -16,17 +16,17 @@ struct MessageRow {
     Handler handler;
 };
 
-template <class Handler, size_t N>
-constexpr bool isInOrder(const MessageRow<Handler> (&table)[N]) {
-    for (size_t i = 1; i < N; ++i) {
+template <class Handler, size_t rows>
+constexpr bool isInOrder(const MessageRow<Handler> (&table)[rows]) {
+    for (size_t i = 1; i < rows; ++i) {
         if (table[i - 1].message >= table[i].message) return false;
     }
     return true;
 }
 
 /// Null for a message that has no row.
-template <class Handler, size_t N>
-Handler findHandler(const MessageRow<Handler> (&table)[N], UINT message) {
+template <class Handler, size_t rows>
+Handler findHandler(const MessageRow<Handler> (&table)[rows], UINT message) {
     const auto* const row =
         std::lower_bound(std::begin(table), std::end(table), message,
                          [](const MessageRow<Handler>& entry, UINT wanted) { return entry.message < wanted; });
