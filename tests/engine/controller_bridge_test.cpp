@@ -323,11 +323,13 @@ TEST_F(ControllerForeground, LocalPagePlayedByPadAlone_FormReachesTheGame) {
         }
         return std::string();
     };
-    // The page's scripts come a moment after the page; what is sent is an expression, which can tell.
+    // The page's scripts come a moment after the page; what is sent is an expression, which can tell. It asks for an
+    // image: a refused navigation that is still under way could take the form's with it.
+    const std::string ready =
+        "(document.querySelector('.keymap_item') ? new Image().src = '" + server.url("/ready") + "' : 0, null)";
     ASSERT_TRUE(game.waitFor("the page's scripts", [&] {
-        sendGameControllerCustomMsgData(
-            "(document.querySelector('.keymap_item') ? location.href = 'game://ready' : 0, null)");
-        return !requested("game://ready").empty();
+        sendGameControllerCustomMsgData(ready);
+        return server.requestCount("/ready") > 0;
     }));
     const auto press = [](const std::string& button) {
         sendGameControllerCustomMsgData("{\"button\":\"" + button + "\"}");
@@ -337,6 +339,7 @@ TEST_F(ControllerForeground, LocalPagePlayedByPadAlone_FormReachesTheGame) {
     press("1");                              // away with it
     press("down"), press("0"), press("0");   // "q"
     press("9"), press("9");                  // keyboard away, submit
+    EXPECT_EQ(GetForegroundWindow(), game.window) << "input for another window is dropped";
     EXPECT_TRUE(game.waitFor("the form", [&] { return !requested("game://login").empty(); }));
     EXPECT_EQ(requested("game://login"), "game://login?name=qw&password=q&region=asia");
 }
