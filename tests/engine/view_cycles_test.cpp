@@ -31,7 +31,8 @@ addEventListener('load', () => frame(0));
 
 }  // namespace
 
-// Under Wine without its guards the engine stands still within this many (see src/core/wine/handle_moves.h).
+// Under Wine without its guards the engine may stand still for good in any of them (see src/core/wine/handle_moves.h).
+// How often depends on the machine and its load.
 TEST(ViewCycles, SixtyRestlessPagesOpenedDrawnAndClosedAtOnce_EachIsDrawn) {
     HttpServer server;
     server.serveHtml("/", kRestlessPage);
