@@ -1,4 +1,4 @@
-# The portable part of the library on the build machine: tests under address and undefined-behaviour sanitizers, fuzzers.
+# The portable part of the library on the build machine: tests under the sanitizers, fuzzers.
 include(PortableSources)
 enable_testing()
 add_library(zemo_portable OBJECT ${ZEMO_PORTABLE_SOURCES})
@@ -17,6 +17,18 @@ if(portable_tests)
   target_compile_definitions(zemo_portable_tests PRIVATE ZEMO_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
   gtest_discover_tests(zemo_portable_tests DISCOVERY_MODE PRE_TEST TEST_PREFIX native. PROPERTIES LABELS unit TIMEOUT 240)
 endif()
+
+# What several threads use, a second time under the thread sanitizer, which can't be had together with the others.
+file(GLOB_RECURSE thread_tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/portable/*_threads_test.cpp)
+list(APPEND thread_tests ${PROJECT_SOURCE_DIR}/tests/portable/texts_under_way_test.cpp)
+add_executable(zemo_thread_tests ${thread_tests} src/core/texts_under_way.cpp src/engine/client/script/script_queue.cpp
+               /usr/src/googletest/googletest/src/gtest-all.cc /usr/src/googletest/googletest/src/gtest_main.cc)
+target_include_directories(zemo_thread_tests PRIVATE src include tests)
+target_include_directories(zemo_thread_tests SYSTEM PRIVATE /usr/src/googletest/googletest /usr/src/googletest/googletest/include)
+target_compile_definitions(zemo_thread_tests PRIVATE ZEMO_NO_EXPORTS)
+target_compile_options(zemo_thread_tests PRIVATE -fsanitize=thread -g -O1)
+target_link_options(zemo_thread_tests PRIVATE -fsanitize=thread)
+gtest_discover_tests(zemo_thread_tests DISCOVERY_MODE PRE_TEST TEST_PREFIX native.threads. PROPERTIES LABELS unit TIMEOUT 240)
 
 # One fuzz target a file; each runs for a bounded time in the suite.
 set(ZEMO_FUZZ_SECONDS 5 CACHE STRING "Seconds each fuzz target runs under ctest")
