@@ -111,8 +111,9 @@ TEST_F(SpatialNavigation, NeighbourOutOfSight_ScrolledIntoView) {
     EXPECT_EQ(page.ask("move('down')"), "a") << "further away than one can see: the page is scrolled first";
     EXPECT_EQ(page.ask("scrollY > 200"), "true");
     // How many steps it takes depends on how much of the page the window shows.
-    EXPECT_EQ(page.ask("(() => { let at = 'a'; for (let i = 0; i < 5 && at == 'a'; ++i) at = move('down'); return at; })()"),
-              "b")
+    EXPECT_EQ(
+        page.ask("(() => { let at = 'a'; for (let i = 0; i < 5 && at == 'a'; ++i) at = move('down'); return at; })()"),
+        "b")
         << "in reach after a few more";
     EXPECT_EQ(page.ask("document.getElementById('b').getBoundingClientRect().bottom <= innerHeight"), "true");
 }
