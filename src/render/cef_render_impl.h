@@ -29,6 +29,8 @@ public:
     virtual bool paint(bool drawCloseButton, CefRefPtr<CefBrowser> browser, PaintElementType type,
                        const RectList& dirtyRects, const void* buffer, int width, int height) = 0;
     virtual void onResized() = 0;
+    /// The view is about to be shown, maybe again: another one may have drawn over its picture meanwhile.
+    virtual void onShow() {}
     virtual void onPopupShow(bool show) = 0;
     /// Device pixels.
     virtual void onPopupRect(const Rect16& ltrb) = 0;

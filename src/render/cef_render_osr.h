@@ -24,6 +24,7 @@ public:
     bool paint(bool drawCloseButton, CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects,
                const void* buffer, int width, int height) override;
     void onResized() override {}
+    void onShow() override { compositor.forceFullFrame(); }
     void onPopupShow(bool show) override { compositor.onPopupShow(show); }
     void onPopupRect(const Rect16& ltrb) override { compositor.onPopupRect(ltrb); }
 

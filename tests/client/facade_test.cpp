@@ -4,8 +4,14 @@
 #include <memory>
 
 #include "api/zemo_web_view_window.h"
+#include "client/engine_task.h"
+#include "core/process_messages.h"
 #include "engine/game_host.h"
+#include "include/cef_browser.h"
+#include "include/cef_client.h"
+#include "include/cef_values.h"
 #include "support/http_server.h"
+#include "support/import_replaced.h"
 
 // The object that a game holds, with the real engine behind it: its own rules, not those of its layer.
 namespace ZEMO::Test {
@@ -24,7 +30,48 @@ public:
     std::function<void()> onShow;
 };
 
+// A page's process tells nobody else the number of a request: here each has the same.
+HRESULT WINAPI knownNumber(GUID* guid) {
+    *guid = {0x12345678, 0x9ABC, 0xDEF0, {1, 2, 3, 4, 5, 6, 7, 8}};
+    return S_OK;
+}
+constexpr char kKnownRequest[] = "{12345678-9ABC-def0-0102-030405060708}";
+
+/// The answer of the page to that request, as it comes in the newest browser.
+void answerKnownRequest(GameHost& game) {
+    ASSERT_TRUE(runOnEngine(game, [] {
+        CefRefPtr<CefBrowser> newest;
+        for (int id = 1; id <= 64; ++id) {
+            if (const auto browser = CefBrowserHost::GetBrowserByIdentifier(id)) newest = browser;
+        }
+        ASSERT_TRUE(newest);
+        CefRefPtr<CefProcessMessage> message = CefProcessMessage::Create(Core::kEvaluateJavascript);
+        message->GetArgumentList()->SetString(Core::kEvaluateId, kKnownRequest);
+        message->GetArgumentList()->SetString(Core::kEvaluateResult, "42");
+        newest->GetHost()->GetClient()->OnProcessMessageReceived(newest, newest->GetMainFrame(), PID_RENDERER, message);
+    }));
+}
+
 }  // namespace
+
+TEST(Facade, ScriptsResultWhileTheViewIsClosed_CallbackHearsNothingUntilItIsShownAgain) {
+    const ImportReplaced numbers("CoCreateGuid", &knownNumber);
+    GameHost game;
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->show();
+    ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
+    int results = 0;  // written inside answerKnownRequest's wait only
+    view->evaluateJavascript("6*7", [&](const std::string& result, const std::string&) { results += result == "42"; });
+    answerKnownRequest(game);
+    EXPECT_EQ(results, 1);
+    view->close();
+    answerKnownRequest(game);
+    EXPECT_EQ(results, 1);
+    view->show();
+    answerKnownRequest(game);
+    EXPECT_EQ(results, 2);
+}
 
 TEST(Facade, NotMadeByItsFactory_ShowThrowsBadWeakPtr) {
     const auto view = std::make_unique<ZEMOWebViewWindow>();

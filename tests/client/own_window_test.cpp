@@ -3,6 +3,7 @@
 #include "client/client_view.h"
 #include "client/engine_task.h"
 #include "support/http_server.h"
+#include "support/own_window.h"
 
 namespace ZEMO::Test {
 
@@ -26,6 +27,21 @@ TEST(OwnWindow, PresentCallbackSet_NeverCalled) {
         view.adapter->setVisible(false, false);
     }
     EXPECT_EQ(game.frames.frameCount(), 0u) << "the callback heard of the end of a view that it never saw";
+}
+
+// With an engine the window closes with its browser; without one nobody else would close it.
+TEST(OwnWindow, NoEngineAndViewDropped_WindowCloses) {
+    GameHost game({.startLibrary = false});
+    NavigationRecorder events;
+    auto view = game.makeView("data:text/html,x", events);
+    view->setDisplayMode(1);
+    view->setSize(400, 300);
+    view->show();
+    const HWND own = findViewWindow();
+    ASSERT_TRUE(own);
+    view->close();
+    view.reset();
+    EXPECT_TRUE(game.waitFor("the window's end", [&] { return !IsWindow(own); }));
 }
 
 // As many frames as the library asks for; what an engine without that wish gives is more.

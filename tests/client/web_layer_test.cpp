@@ -102,6 +102,18 @@ TEST_F(WebLayerTest, PostItemLoaded_StaysWithTheBrowserClientAndAPlainOneDoesNot
     EXPECT_EQ(first.use_count(), 1) << "the list holds that one item";
 }
 
+TEST_F(WebLayerTest, AddressLoadedWithItems_TheyReplaceTheOnesBefore) {
+    const auto layer = makeLayer();
+    const auto first = std::make_shared<PlainItem>("https://a.test/", 0);
+    const auto second = std::make_shared<PlainItem>("https://b.test/", 0);
+    layer->loadUrl("start", {first}, false);
+    EXPECT_EQ(first.use_count(), 2) << "the client keeps it";
+    ASSERT_TRUE(game.waitFor("the page", [&] { return events->has("completed"); }));
+    layer->loadUrl("start", {second}, true);
+    EXPECT_EQ(second.use_count(), 2);
+    EXPECT_EQ(first.use_count(), 1);
+}
+
 TEST_F(WebLayerTest, BrowserMade_PaintsAtThirtyFramesASecond) {
     const auto layer = makeLayer();
     layer->loadPage("start", false);

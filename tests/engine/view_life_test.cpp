@@ -218,6 +218,43 @@ TEST(ViewLife, PageWithFrame_StartsAndCompletionsForEachFrame) {
     EXPECT_EQ(events.count("starting"), 2u);
 }
 
+// Both views draw into the one picture of the game, a small rectangle each time: it is right only if each begins whole.
+TEST(ViewLife, TwoLayersThatPaintAllTheTime_PictureRebuiltFromTheirRectanglesIsTheShownOne) {
+    const auto page = [](const std::string& colour) {
+        return "<!doctype html><style>body{margin:0;background:" + colour +
+               "}div{width:10px;height:10px;background:#fff}</style><div id=b></div><script>let n=0;(function f(){"
+               "b.style.marginLeft=n++%50*4+'px';requestAnimationFrame(f)})()</script>";
+    };
+    HttpServer server;
+    server.serveHtml("/a", page("#aa0000"));
+    server.serveHtml("/b", page("#0000bb"));
+    GameHost game;
+    NavigationRecorder events;
+    auto first = game.makeView(server.url("/a"), events);
+    auto second = game.makeView(server.url("/b"), events);
+    const auto rectanglesOf = [&](const char* what, uint32_t colour) {
+        EXPECT_TRUE(game.waitFor(what, [&] { return game.frames.pixel(300, 190) == colour; }));
+        game.frames.forgetFrames();
+        EXPECT_TRUE(game.waitFor("its moving block", [&] {
+            size_t parts = 0;
+            for (const Frame& frame : game.frames.frames()) parts += !frame.cleared && !frame.wholeFrame();
+            return parts > 5;
+        })) << what;
+        EXPECT_EQ(game.frames.pixel(300, 190), colour) << what;
+        EXPECT_TRUE(game.frames.replayMatches()) << what;
+    };
+    first->show();
+    rectanglesOf("the first", 0xFFAA0000u);
+    second->show();
+    rectanglesOf("the second", 0xFF0000BBu);
+    second->close();
+    rectanglesOf("the first again", 0xFFAA0000u);
+    second->show();
+    rectanglesOf("the second again", 0xFF0000BBu);
+    second->close();
+    first->close();
+}
+
 TEST(ViewLife, TwoLayers_TheLastShownIsSeenAndTheFirstComesBack) {
     HttpServer server;
     server.serveHtml("/a", solidPage("#aa0000"));
@@ -305,6 +342,9 @@ TEST(ViewLife, OwnWindow_OpensOnTheScreenStaysAfterCloseAndGoesWithItsCloseMessa
     ASSERT_TRUE(own);
     EXPECT_EQ(GetWindow(own, GW_OWNER), game.window);
     EXPECT_TRUE(IsWindowVisible(own));
+    wchar_t title[32] = {};
+    GetWindowTextW(own, title, 32);
+    EXPECT_EQ(std::wstring_view(title), L"Zemo window");
     EXPECT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
     view->close();
     game.pass(200ms);

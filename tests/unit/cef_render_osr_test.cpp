@@ -252,4 +252,12 @@ TEST_F(RenderOsr, CloseButtonNotYetShown_DrawsNoIcon) {
     EXPECT_EQ(consumer.last().pixels, page);
 }
 
+TEST_F(RenderOsr, ShownAgain_NextFrameIsWholeOnce) {
+    begin(osr);
+    EXPECT_EQ(dirtyOfSamePageAt(osr, 10 * kMs), kNothing);
+    osr.onShow();
+    EXPECT_EQ(dirtyOfSamePageAt(osr, 20 * kMs), kWhole);
+    EXPECT_EQ(dirtyOfSamePageAt(osr, 30 * kMs), kNothing);
+}
+
 }  // namespace ZEMO::UI

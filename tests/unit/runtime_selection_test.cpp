@@ -265,6 +265,19 @@ TEST_F(RuntimeSelection, Subprocess_OnlyVersioned_NamedByTheEnginesThreeNumbers)
     EXPECT_EQ(selectSubprocess(base.wstring()), base.wstring() + L"\\cefsubprocess_119.4.3\\cef.subprocess.exe");
 }
 
+// A path that can't be asked for is not to be had here without taking the directory's rights away.
+DWORD WINAPI refuseAttributes(LPCWSTR) { return SetLastError(ERROR_ACCESS_DENIED), INVALID_FILE_ATTRIBUTES; }
+
+TEST_F(RuntimeSelection, Subprocess_PlainCanNotBeAskedFor_ThrowsExists) {
+    const ZEMO::Test::ImportReplaced refused("GetFileAttributesW", &refuseAttributes);
+    try {
+        selectSubprocess(base.wstring());
+        ADD_FAILURE() << "no exception";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_NE(std::string(error.what()).find("exists"), std::string::npos) << error.what();
+    }
+}
+
 TEST_F(RuntimeSelection, Subprocess_NoEngine_VersionTextIsEmpty) {
     EXPECT_EQ(getEngineFileVersion(base.wstring()), L"");
     EXPECT_EQ(selectSubprocess(base.wstring()), base.wstring() + L"\\cefsubprocess_\\cef.subprocess.exe");

@@ -635,12 +635,6 @@ TEST_F(LayerManager, StatusSetWhileItIsRead_IsAlwaysOneWholeText) {
     EXPECT_EQ(torn, 0);
 }
 
-TEST(LayerManagerXInput, SystemFunction_IsFoundByName) {
-    ASSERT_NE(systemXInputEnable(), nullptr);
-    setXInputEnabled(false);  // the real one, both ways
-    setXInputEnabled(true);
-}
-
 TEST(LayerManagerInstance, EveryThread_GetsTheSameObject) {
     ZEMOMultiLayerManager* other = nullptr;
     std::thread thread([&] { other = &ZEMOMultiLayerManager::instance(); });

@@ -95,6 +95,7 @@ void PageFrames::onWindowResized() {
 }
 
 void PageFrames::setVisible(bool show, bool keepHookFrame) {
+    if (show) consumer->onShow();  // first: no frame may come between
     visible = show;
     if (show) {
         if (getBrowser()) {
