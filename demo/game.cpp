@@ -136,6 +136,7 @@ void Game::pollPad() {
     const bool isUsed = topPage() && topPage()->isShown() && topPage()->usesPad();
     if (isUsed != pad.isInUse()) {
         pad.setInUse(isUsed);
+        if (!options.isSelfTest) std::printf("the controller plays %s\n", isUsed ? "the page" : "the game");
         window.setTitle(isUsed ? L"Outpost (the controller plays the page)" : L"Outpost");
     }
     pad.poll();
@@ -194,6 +195,7 @@ void Game::handlePageEvent(const PageEvent& event, bool isTop) {
 }
 
 void Game::handleCommand(const std::string& command) {
+    if (!options.isSelfTest) std::printf("the page asks: %s\n", command.c_str());
     const std::string name = command.substr(0, command.find_first_of("/?"));
     if (name == "close") {
         closeTopPage();
