@@ -4,6 +4,7 @@
 #include "ui_library.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <utility>
 
@@ -22,13 +23,40 @@ std::wstring format(const wchar_t* pattern, Args... args) {
     return text;
 }
 
+int hexDigit(char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; }
+
+/// A form's text as the page wrote it.
+std::string formDecoded(std::string_view text) {
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size()) {
+            decoded += static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
+            i += 2;
+        } else {
+            decoded += text[i] == '+' ? ' ' : text[i];
+        }
+    }
+    return decoded;
+}
+
+/// The value of `name` in "buy?ware=Tea&amount=2".
+std::string parameter(const std::string& command, const std::string& name) {
+    for (auto at = command.find('?'); at != std::string::npos; at = command.find('&', at + 1)) {
+        if (command.compare(at + 1, name.size() + 1, name + "=") != 0) continue;
+        const auto begin = at + name.size() + 2;
+        return formDecoded(std::string_view(command).substr(begin, command.find('&', begin) - begin));
+    }
+    return {};
+}
+
 }  // namespace
 
 Game::Game(const Options& options)
     : options(options),
       window(L"Outpost", options.size),
       surface(std::make_shared<PageSurface>()),
-      events(std::make_shared<PageEventQueue>()) {
+      events(std::make_shared<PageEventQueue>()),
+      pad(options.hasPadKeys || options.isSelfTest) {
     window.onModalFrame = [this] { drawFrame(); };
     window.onKey = [this](unsigned key) {
         if (key == VK_F10)
@@ -36,8 +64,10 @@ Game::Game(const Options& options)
         if (key == VK_F12) savePictures();
         if (key == VK_ESCAPE) leaving = true;
     };
+    window.onMessage = [this](const MSG& message) { return pad.takeMessage(message); };
     drawFrame();  // something to look at while the engine starts
-    startUiLibrary(options, surface);
+    startUiLibrary(options, surface, events);
+    pad.poll();  // the first page may be one for the controller
 }
 
 Game::~Game() {
@@ -45,12 +75,13 @@ Game::~Game() {
     while (!pages.empty()) closeTopPage();
 }
 
-PagePanel& Game::openPage(const PageSource& source) {
+PagePanel& Game::openPage(const PageSource& source, bool hasCloseButton) {
     const PixelSize client = window.clientSize();
     PagePanel::Settings settings;
     settings.number = nextPageNumber++;
     settings.isOwnWindow = options.mode == Mode::Window;
-    settings.hasCloseButton = options.hasCloseButton;
+    // A page for a controller asks for its end by the button.
+    settings.hasCloseButton = hasCloseButton || options.hasCloseButton || source.kind == PageSource::Kind::PadPage;
     settings.width = 0.75f * static_cast<float>(client.width) / window.scale();
     settings.height = 0.75f * static_cast<float>(client.height) / window.scale();
     auto panel = std::make_unique<PagePanel>(settings, events);
@@ -97,7 +128,18 @@ void Game::playFrame() {
     nextFrameAt = std::max(nextFrameAt + kFrameTime, Clock::now());
     window.handleMessagesUntil(nextFrameAt);
     handlePageEvents();
+    pollPad();
     drawFrame();
+}
+
+void Game::pollPad() {
+    const bool isUsed = topPage() && topPage()->isShown() && topPage()->usesPad();
+    if (isUsed != pad.isInUse()) {
+        pad.setInUse(isUsed);
+        if (!options.isSelfTest) std::printf("the controller plays %s\n", isUsed ? "the page" : "the game");
+        window.setTitle(isUsed ? L"Outpost (the controller plays the page)" : L"Outpost");
+    }
+    pad.poll();
 }
 
 void Game::drawFrame() {
@@ -135,26 +177,45 @@ void Game::handlePageEvents() {
         for (auto& page : pages) {
             if (page->number() == event.page && event.kind == PageEvent::Kind::Completed) page->noteLoaded();
         }
-        if (event.kind == PageEvent::Kind::Completed) tellPage();
-        if (event.kind == PageEvent::Kind::Failed) std::printf("page %d: load error %d\n", event.page, event.error);
-        if (event.kind == PageEvent::Kind::Command && isTop) handleCommand(event.text);
-        // The user closed the view's own window: what is left is an empty view.
-        const bool isWindowGone = event.kind == PageEvent::Kind::Closed && options.mode == Mode::Window;
-        if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
-        if (event.kind == PageEvent::Kind::CloseRequested && isTop) closeTopPage();
+        handlePageEvent(event, isTop);
         if (onPageEvent) onPageEvent(event);
     }
 }
 
+void Game::handlePageEvent(const PageEvent& event, bool isTop) {
+    if (event.kind == PageEvent::Kind::Completed) tellPage();
+    if (event.kind == PageEvent::Kind::Failed) std::printf("page %d: load error %d\n", event.page, event.value);
+    if (event.kind == PageEvent::Kind::Command && isTop) handleCommand(event.text);
+    // The callback doesn't say which view; it is the one in front that has the controller.
+    if (event.kind == PageEvent::Kind::PadUse && topPage()) topPage()->notePadUse(event.value != 0);
+    // The user closed the view's own window: what is left is an empty view.
+    const bool isWindowGone = event.kind == PageEvent::Kind::Closed && options.mode == Mode::Window;
+    if (isWindowGone && isTop && topPage()->isShown()) closeTopPage();
+    if (event.kind == PageEvent::Kind::CloseRequested && isTop) closeTopPage();
+}
+
 void Game::handleCommand(const std::string& command) {
-    if (command == "close") {
+    if (!options.isSelfTest) std::printf("the page asks: %s\n", command.c_str());
+    const std::string name = command.substr(0, command.find_first_of("/?"));
+    if (name == "close") {
         closeTopPage();
-    } else if (command == "dialog") {
+    } else if (name == "dialog") {
         openPage({PageSource::Kind::BuiltIn, "dialog"});
-    } else if (command == "claim") {
+    } else if (name == "station") {
+        openPage({PageSource::Kind::PadPage, "zemostore_popup"});
+    } else if (name == "claim") {
         credits += 250;
         scene.celebrate(secondsSince(startedAt));
         tellPage();
+    } else if (name == "take") {
+        credits -= std::atoi(parameter(command, "price").c_str());
+        tellPage();
+    } else if (name == "ship") {
+        notice = L"Ship: " + toWide(parameter(command, "name")) + L", " + toWide(parameter(command, "dock"));
+    } else if (name == "buy") {
+        notice = L"Bought: " + toWide(parameter(command, "amount") + " x " + parameter(command, "ware"));
+    } else if (name == "login") {
+        notice = L"Welcome, " + toWide(parameter(command, "name"));
     }
 }
 
@@ -177,12 +238,20 @@ void Game::updateHud() {
 
     const bool isShown = topPage() && topPage()->isShown();
     hudText.title = L"OUTPOST";
-    hudText.status = format(L"Credits %d", credits);
+    hudText.status = format(L"Credits %d", credits) + (notice.empty() ? L"" : L"    " + notice);
     hudText.figures = format(L"game %.0f fps", gameRate);
     if (options.mode == Mode::Callback && update.isVisible && isShown) {
         hudText.figures += format(L"    page %d x %d, %.0f fps", image.width, image.height, pageRate);
     }
-    hudText.keys = isShown ? L"F10  hide the page" : L"F10  show the page    F12  save pictures    Esc  leave";
+    hudText.keys = keyHints(isShown);
+}
+
+std::wstring Game::keyHints(bool isPageShown) const {
+    if (!isPageShown) return L"F10  show the page    F12  save pictures    Esc  leave";
+    if (!pad.isInUse()) return L"F10  hide the page";
+    if (pad.isKeyboard()) return L"F10  hide the page    Arrows, Enter, Esc  the page's controller";
+    return pad.isConnected() ? L"F10  hide the page    Controller connected"
+                             : L"F10  hide the page    No controller found";
 }
 
 void Game::savePictures() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "figures.h"
+#include "game_pad.h"
 #include "game_window.h"
 #include "hud.h"
 #include "options.h"
@@ -27,7 +28,7 @@ public:
     Game& operator=(const Game&) = delete;
 
     /// Shows a page on top of those that are there.
-    PagePanel& openPage(const PageSource& source);
+    PagePanel& openPage(const PageSource& source, bool hasCloseButton = false);
     /// Ends the page on top; the one below it comes back.
     void closeTopPage();
     /// Takes all pages off the screen, or brings them back, without ending them.
@@ -60,21 +61,25 @@ private:
     void playFrame();
     void drawFrame();
     void handlePageEvents();
+    void handlePageEvent(const PageEvent& event, bool isTop);
     void handleCommand(const std::string& command);
+    void pollPad();
     void tellPage();
     void updateHud();
-    Hud::Content hudContent() const;
+    std::wstring keyHints(bool isPageShown) const;
 
     const Options options;
     GameWindow window;
     Scene scene;
     Hud hud;
     Hud::Content hudText;
+    std::wstring notice;  // what the player did last on a page
     PageQuad quad;
     PageImage image;
     PageSurface::Update update;
     const std::shared_ptr<PageSurface> surface;
     const std::shared_ptr<PageEventQueue> events;
+    GamePad pad;
     std::vector<std::unique_ptr<PagePanel>> pages;  // the last one is in front
     int nextPageNumber = 1;
     int credits = 1250;

@@ -97,6 +97,7 @@ void GameWindow::handleMessagesUntil(std::chrono::steady_clock::time_point momen
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             if (message.message == WM_QUIT) closeRequested = true;
+            if (onMessage && onMessage(message)) continue;
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }

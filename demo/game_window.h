@@ -37,7 +37,10 @@ public:
     /// Dispatches what waits in the queue, then sleeps until `moment`, waking for each new message.
     void handleMessagesUntil(std::chrono::steady_clock::time_point moment);
     void swapBuffers();
+    void setTitle(const std::wstring& title) { SetWindowTextW(window, title.c_str()); }
 
+    /// True: the game has dealt with a waiting message, and neither the page in front nor a window gets it.
+    std::function<bool(const MSG&)> onMessage;
     /// A key that nobody in front of the game took (a shown page takes all keys but the system keys; F10 is one).
     std::function<void(unsigned virtualKey)> onKey;
     /// Draws a frame while Windows runs its own loop, that is while the user moves or sizes the window.

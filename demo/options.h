@@ -31,6 +31,7 @@ struct Options {
     int views = 1;
     double seconds = 0;  ///< 0: until the window is closed
     bool hasCloseButton = false;
+    bool hasPadKeys = false;
     bool hasGpuCompositing = false;
     bool hasFigures = false;
     bool isSelfTest = false;

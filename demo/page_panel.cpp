@@ -1,6 +1,7 @@
 #include "page_panel.h"
 
 #include "built_in_pages.h"
+#include "text.h"
 
 #include <zemo/url.h>
 
@@ -104,6 +105,10 @@ void PagePanel::load(const PageSource& source) {
             break;
         case PageSource::Kind::LocalPage:
             view->loadPage(source.text);
+            break;
+        case PageSource::Kind::PadPage:
+            // The library knows such pages by their place, so a bare name would not do.
+            view->loadPage(toUtf8((ZEMO::UI::getLocalHTMLResourcePath() / toWide(source.text) / L"index").wstring()));
             break;
     }
 }

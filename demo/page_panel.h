@@ -14,10 +14,12 @@ namespace demo {
 
 /// Something that happened to a page, on its way to the game thread.
 struct PageEvent {
-    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command };
+    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command, PadUse };
+    static constexpr int kKinds = static_cast<int>(Kind::PadUse) + 1;
+
     Kind kind = Kind::Shown;
     int page = 0;      ///< the panel's number
-    int error = 0;     ///< for Failed
+    int value = 0;     ///< for Failed the error, for PadUse 1 or 0
     std::string text;  ///< for Command: what stands behind "game://"
 };
 
@@ -55,6 +57,9 @@ public:
     /// The first load has ended: scripts run, another page may be loaded.
     bool isLoaded() const { return loaded; }
     void noteLoaded() { loaded = true; }
+    /// The page is played with the controller.
+    bool usesPad() const { return padUsed; }
+    void notePadUse(bool isUsed) { padUsed = isUsed; }
 
     void load(const PageSource& source);
     void show();
@@ -71,6 +76,7 @@ private:
     std::shared_ptr<ZEMO::UI::IZEMOWebView> view;
     bool shown = false;
     bool loaded = false;
+    bool padUsed = false;
 };
 
 }  // namespace demo

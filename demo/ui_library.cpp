@@ -4,7 +4,8 @@
 
 namespace demo {
 
-void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& surface) {
+void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& surface,
+                    const std::shared_ptr<PageEventQueue>& events) {
     // 1. Before the engine starts: how it composites pages. In software it needs no GPU process, and the game keeps the
     //    whole GPU for itself.
     ZEMO::UI::setUIEngineOsrRenderEnabled(options.hasGpuCompositing ? 0 : 1);
@@ -13,7 +14,13 @@ void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& 
     //    on: a page in front gets the input before the game does.
     ZEMO::UI::InitUILibrary();
 
-    // 3. Where frames go. A view reads this when it is first shown, so it comes before the first view. With the hook
+    // 3. Whether the page in front is played with the controller. Like the frames below, a view takes this along when
+    // it
+    //    is first shown.
+    ZEMO::UI::setUIGameControllerScriptUseCallback(
+        [events](int isUsed) { events->push({PageEvent::Kind::PadUse, 0, isUsed, {}}); });
+
+    // 4. Where frames go. A view reads this when it is first shown, so it comes before the first view. With the hook
     // the
     //    page is drawn into the game's frame behind the game's back; with the callback the game draws it.
     if (options.mode == Mode::Hook) {

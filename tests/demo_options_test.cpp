@@ -36,6 +36,14 @@ TEST(DemoOptions, ValuesInBothForms_AreTaken) {
     EXPECT_EQ(options.seconds, 3);
     EXPECT_EQ(options.quitWay, QuitWay::ExitProcess);
     EXPECT_TRUE(options.isSelfTest);
+    EXPECT_FALSE(options.hasPadKeys);
+}
+
+TEST(DemoOptions, PadPage_PlayedByKeys) {
+    const Options options = parseOptions({"--pad-page", "idp_login", "--pad-keys"});
+    EXPECT_EQ(options.page.kind, PageSource::Kind::PadPage);
+    EXPECT_EQ(options.page.text, "idp_login");
+    EXPECT_TRUE(options.hasPadKeys);
 }
 
 TEST(DemoOptions, KoreanFileName_KeepsItsLetters) {
@@ -56,9 +64,10 @@ TEST(DemoOptions, WrongArguments_AreNamedInTheComplaint) {
 
 TEST(DemoOptions, Help_NamesEachOptionOnce) {
     const std::string help = helpText();
-    for (const char* name : {"--url ", "--page ", "--html ", "--html-file ", "--size ", "--mode ", "--views ",
-                             "--seconds ", "--screenshot ", "--figures ", "--json ", "--out ", "--self-test ",
-                             "--close-button ", "--gpu-compositing ", "--no-gpu-compositing ", "--quit-way "}) {
+    for (const char* name :
+         {"--url ", "--page ", "--html ", "--html-file ", "--size ", "--mode ", "--views ", "--seconds ",
+          "--screenshot ", "--figures ", "--json ", "--out ", "--self-test ", "--close-button ", "--gpu-compositing ",
+          "--no-gpu-compositing ", "--quit-way ", "--pad-page ", "--pad-keys "}) {
         const auto first = help.find(std::string("  ") + name);
         EXPECT_NE(first, std::string::npos) << name;
         EXPECT_EQ(help.find(std::string("\n  ") + name, first + 1), std::string::npos) << name;
