@@ -1,6 +1,7 @@
 #include "zemo/locale_setter.h"
 
 #include <clocale>
+#include <mutex>
 #include <utility>
 
 #include "core/locale_names.h"
@@ -17,6 +18,9 @@ LocaleSetter& LocaleSetter::operator=(const LocaleSetter& /*other*/) { return *t
 LocaleSetter& LocaleSetter::operator=(LocaleSetter&& /*other*/) noexcept { return *this; }
 
 void LocaleSetter::setUTF8PreservePreSettedLocale() {
+    // The runtime's text for the locale lives only until somebody sets another one.
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
     try {
         setLocales();
     } catch (...) {

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "layers/window_messages.h"
-#include "layers/xinput_switch.h"
 #include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
