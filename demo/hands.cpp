@@ -35,22 +35,28 @@ void Hands::mouse(int x, int y, DWORD flags, DWORD data) {
     SendInput(1, &input, sizeof input);
 }
 
-void Hands::click(int x, int y) {
-    if (isReal) {
+void Hands::moveTo(int x, int y) {
+    if (isReal)
         mouse(x, y, 0);
+    else
+        PostMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
+}
+
+void Hands::click(int x, int y) {
+    moveTo(x, y);
+    if (isReal) {
         mouse(x, y, MOUSEEVENTF_LEFTDOWN);
         mouse(x, y, MOUSEEVENTF_LEFTUP);
         return;
     }
-    PostMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
     PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
     PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
 }
 
 void Hands::wheel(int x, int y, int notches) {
+    moveTo(x, y);
     if (isReal) {
-        mouse(x, y, 0);
-        mouse(x, y, MOUSEEVENTF_WHEEL, static_cast<DWORD>(notches * WHEEL_DELTA));
+        mouse(x, y, MOUSEEVENTF_WHEEL, static_cast<DWORD>(notches) * WHEEL_DELTA);
         return;
     }
     POINT point{x, y};

@@ -19,6 +19,7 @@ public:
     bool takeTo(HWND newWindow);
 
     /// Client pixels.
+    void moveTo(int x, int y);
     void click(int x, int y);
     void wheel(int x, int y, int notches);
     /// A key's press and release.

@@ -32,6 +32,7 @@ POINT find(const PageImage& image, Colour colour) {
 
 void InputTest::onThePage() {
     reachPage();
+    touch();
     click();
     type();
     choose();
@@ -50,6 +51,18 @@ void InputTest::awaitState(const std::string& part) {
     const auto newest = [this] { return stage.command("state?"); };
     stage.await([&] { return newest().find(part) != std::string::npos; },
                 [&] { return "the page says '" + newest() + "', which does not hold '" + part + "'"; });
+}
+
+/// A page feels nothing before its first paint, and only the callback's frames tell of that: the mouse moves until the
+/// page has felt it.
+void InputTest::touch() {
+    int moves = 0;
+    stage.await(
+        [&] {
+            hands.moveTo(stage.px(kPressed.x) + moves++ % 2, stage.px(kPressed.y));
+            return !stage.command("state?").empty();
+        },
+        [] { return "the page does not feel the mouse"; });
 }
 
 void InputTest::click() {

@@ -17,6 +17,7 @@ public:
     void padPage();
 
 private:
+    void touch();
     void click();
     void type();
     void choose();
