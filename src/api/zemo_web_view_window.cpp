@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controller/controller_scripts.h"
+#include "core/game_callback.h"
 #include "core/never_destroyed.h"
 #include "core/process_end.h"
 #include "layers/layer_manager.h"
@@ -86,7 +87,9 @@ void ZEMOWebViewWindow::createLayer() {
     settings.steamOverlayActive = manager.getSteamOverlayActive();
     settings.framePresentCallback = manager.getOsrFramePresentCallback();
     if (const auto useCallback = manager.getGameControllerScriptUseCallback()) {
-        settings.controllerScriptUseCallback = [useCallback](bool used) { useCallback(used ? 1 : 0); };
+        settings.controllerScriptUseCallback = [useCallback](bool used) {
+            if (const auto callback = Core::unlessProcessEnds(useCallback)) callback(used ? 1 : 0);
+        };
     }
     // The layer's handlers reach this object weakly: the layer belongs to it, and a strong way back would be a ring.
     if (closeButtonEnabled) {
