@@ -5,7 +5,7 @@
 # most tests do; the rest have one of their own. With ZEMO_TESTS_ALONE in the environment each has, so that a single one
 # can be chosen by its name.
 #
-# A name says what its test needs: in `engine` tests Screen, Foreground, Cursor or Click the display for itself, Missing
+# A name says what its test needs: in `engine` tests Screen, Foreground, Cursor or Click a display of its own, Missing
 # the machine for itself (a file that another copy of the engine has open can't be renamed, since copies share files by
 # hard links), Scale150 and Scale200 at its end a session whose desktop has that scale. OnScreenKeyboard needs the machine
 # for itself too: a desktop has one such keyboard, and every view that ends closes it.
@@ -40,8 +40,10 @@ function(zemo_add name filter kind count)
   set(properties LABELS ${LABEL} ${LIMITS} COST ${count} WORKING_DIRECTORY ${FOLDER})
   if(kind STREQUAL "Serial")
     list(APPEND properties RUN_SERIAL TRUE)
-  elseif(LABEL STREQUAL "window" OR kind STREQUAL "OnScreen")
+  elseif(LABEL STREQUAL "window")
     list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
+  elseif(kind STREQUAL "OnScreen")
+    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
   elseif(kind STREQUAL "Scale150")
     list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=144)
   elseif(kind STREQUAL "Scale200")
