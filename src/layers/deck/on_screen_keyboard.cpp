@@ -27,7 +27,9 @@ void startAtPlace(const Rect& place) {
 }
 
 void moveToPlace(HWND keyboard, const Rect& place) {
-    if (answers(keyboard)) SetWindowPos(keyboard, nullptr, place.x, place.y, place.width, place.height, SWP_SHOWWINDOW);
+    // Not activated: that would take the game's focus, and with it hide the keyboard again.
+    constexpr UINT kFlags = SWP_SHOWWINDOW | SWP_NOACTIVATE;
+    if (answers(keyboard)) SetWindowPos(keyboard, nullptr, place.x, place.y, place.width, place.height, kFlags);
 }
 
 LSTATUS writeSetting(HKEY key, const KeyboardSetting& setting) {
