@@ -14,7 +14,11 @@ grep -q 'folder Z:.*\\stage\\program-' <<<"$output" || fail "the program did not
 grep -q 'temporary Z:.*\\stage\\program-.*\\tmp' <<<"$output" || fail "its temporary folder lies elsewhere"
 [ "$(ls -A "$folder/stage")" = "" ] || fail "the copy is still there: $(ls "$folder/stage")"
 case $what in
-ended) [ $rc = 40 ] || fail "the program's exit code did not come through" ;;
+ended)
+    [ $rc = 40 ] || fail "the program's exit code did not come through"
+    # The same call at another scale runs at the same time: in one folder each would end the other.
+    rc=0; output=$(ZEMO_SESSION_DPI=96 "$stage_run" "$folder/bin/program.exe" "$what" 2>&1) || rc=$?
+    grep -q 'folder Z:.*\\stage\\program-[0-9]*-dpi96' <<<"$output" || fail "the scale is no part of the folder's name" ;;
 left)
     [ $rc = 95 ] || fail "a child that outlives its program must fail the run"
     grep -q 'still ran' <<<"$output" || fail "the reason is missing" ;;
