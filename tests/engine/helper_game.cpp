@@ -83,6 +83,14 @@ bool HelperGame::waitForLine(const std::string& line, std::chrono::milliseconds 
     return there();
 }
 
+void HelperGame::letLeave() const {
+    const std::wstring name = L"zemo engine helper " + std::to_wstring(processId());
+    const HANDLE event = OpenEventW(EVENT_MODIFY_STATE, FALSE, name.c_str());
+    if (!event) throw std::runtime_error("the helper game was not started held");
+    SetEvent(event);
+    CloseHandle(event);
+}
+
 bool HelperGame::waitForEnd(std::chrono::milliseconds timeout) {
     if (WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) != WAIT_OBJECT_0) return false;
     // Its last lines may still be on their way through the pipe.

@@ -30,6 +30,8 @@ public:
     HelperGame& operator=(const HelperGame&) = delete;
 
     bool waitForLine(const std::string& line, std::chrono::milliseconds timeout = std::chrono::seconds(90));
+    /// Ends the wait of a game that was started "held".
+    void letLeave() const;
     bool waitForEnd(std::chrono::milliseconds timeout);
     DWORD exitCode() const;
     DWORD processId() const { return process.dwProcessId; }

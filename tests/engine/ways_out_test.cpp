@@ -64,9 +64,10 @@ class WaysOut : public ::testing::TestWithParam<const wchar_t*> {};
 }  // namespace
 
 TEST_P(WaysOut, OpenView_EndsInFiveSecondsAndLeavesNothing) {
-    HelperGame game(libraryFile(), GetParam(), programDirectory());
+    HelperGame game(libraryFile(), GetParam() + std::wstring(L" held"), programDirectory());
     ASSERT_TRUE(game.waitForLine("ready")) << game.output();
     EXPECT_FALSE(lockIsFree(programDirectory() / L"cache")) << "the running game holds its cache";
+    game.letLeave();
     ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
     ASSERT_TRUE(game.waitForEnd(kEnd)) << "still running after five seconds";
     EXPECT_EQ(game.exitCode(), 7u) << game.output();

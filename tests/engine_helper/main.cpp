@@ -1,8 +1,9 @@
 // A small game for tests of whole processes: it loads the library by the path it is given, as a game's launcher would,
 // opens a view on a page of one colour, says "ready", and leaves in the way it is told.
-//   zemo_engine_helper.exe LIBRARY WAY [MILLISECONDS | ADDRESS]
+//   zemo_engine_helper.exe LIBRARY WAY [MILLISECONDS | ADDRESS | held]
 // With MILLISECONDS it leaves that long after the view was shown, whatever the page has come to. With ADDRESS it opens
-// that page, which must show the same colour. WAY: return, static, global, exit, exit-in-callback,
+// that page, which must show the same colour. Held, it is ready until the test sets the event that has its process id
+// in its name. WAY: return, static, global, exit, exit-in-callback,
 // exit-callback-blocked, exitprocess, exitprocess-thread,
 //   exitprocess-engine-blocked, freelibrary, terminate, wait (until killed), drop, return-started-twice
 #include <windows.h>
@@ -59,6 +60,12 @@ LONG CALLBACK printLog(EXCEPTION_POINTERS* info) {
     }
     std::fflush(stdout);
     return EXCEPTION_CONTINUE_SEARCH;
+}
+
+void pumpUntilSet(HANDLE event) {
+    while (MsgWaitForMultipleObjects(1, &event, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+    }
 }
 
 bool pump(int milliseconds, const std::atomic<bool>* until) {
@@ -140,13 +147,17 @@ int wmain(int argc, wchar_t** argv) {
                            : "<!doctype html><style>html,body{margin:0;background:#204060}</style>",
                    "");
     view->show();
-    if (!option.empty() && !address) {
+    const bool held = option == L"held";
+    const std::wstring eventName = L"zemo engine helper " + std::to_wstring(GetCurrentProcessId());
+    const HANDLE mayLeave = held ? CreateEventW(nullptr, TRUE, FALSE, eventName.c_str()) : nullptr;
+    if (!option.empty() && !address && !held) {
         pump(std::stoi(option), nullptr);
     } else if (!pump(60'000, &seen)) {
         say("no page");
         TerminateProcess(GetCurrentProcess(), kFailed);
     }
     say("ready");
+    if (held) pumpUntilSet(mayLeave);
 
     if (way == L"wait") {
         pump(120'000, nullptr);
