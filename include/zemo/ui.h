@@ -13,6 +13,7 @@
 #include <zemo/json_containers.h>
 #include <zemo/locale_setter.h>
 #include <zemo/platform.h>
+#include <zemo/ready_content.h>
 #include <zemo/string_util.h>
 #include <zemo/url.h>
 #include <zemo/view.h>
