@@ -1,4 +1,5 @@
-# The SDK tree: bin/ is what a game ships, include/ and lib/ are what it is built with.
+# The SDK tree: bin/ is what a game ships and nothing else; include/ and lib/ are what it is built with; samples/, docs/,
+# demo/ and tools/ are for the people who build it.
 include(CMakePackageConfigHelpers)
 set(ZEMO_INSTALLED_BIN bin)
 install(TARGETS ZEMOUIFramework EXPORT ZEMOUIFrameworkTargets
@@ -14,7 +15,11 @@ endforeach()
 install(DIRECTORY ${ZEMO_BIN_DIR}/cefsubprocess DESTINATION bin USE_SOURCE_PERMISSIONS
   FILES_MATCHING PATTERN "*.exe" PATTERN "*.dll" PATTERN "*.pak")
 install(DIRECTORY ${ZEMO_BIN_DIR}/resources DESTINATION bin)
-install(TARGETS zemo_demo zemo_minimal RUNTIME DESTINATION bin)
+install(TARGETS zemo_demo zemo_minimal RUNTIME DESTINATION demo)
+install(FILES ${PROJECT_SOURCE_DIR}/sdk/run_demo.cmd DESTINATION demo)
+install(TARGETS zemo_doctor RUNTIME DESTINATION tools)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples ${PROJECT_SOURCE_DIR}/docs DESTINATION .
+  FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" PATTERN "*.txt" PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.md")
 foreach(hook ZEMOGraphicsHook)
   if(TARGET ${hook})
     install(TARGETS ${hook} RUNTIME DESTINATION bin LIBRARY DESTINATION bin ARCHIVE DESTINATION lib)
@@ -28,4 +33,5 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ZEMOUIFrameworkConfig.cm
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZEMOUIFrameworkConfigVersion.cmake
   DESTINATION ${package})
-install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION .)
+install(FILES ${CMAKE_CURRENT_LIST_DIR}/toolchain.cmake DESTINATION ${package} RENAME mingw-toolchain.cmake)
+install(FILES ${PROJECT_SOURCE_DIR}/sdk/README.md ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION .)

@@ -37,12 +37,15 @@ set(CMAKE_FIND_ROOT_PATH /usr/${_triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# A package may lie anywhere: an installed SDK is named by CMAKE_PREFIX_PATH.
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 # one self-contained file: no libstdc++-6.dll, libgcc_s_seh-1.dll, libwinpthread-1.dll beside it
 string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " -static")
 string(APPEND CMAKE_SHARED_LINKER_FLAGS_INIT " -static")
 string(APPEND CMAKE_MODULE_LINKER_FLAGS_INIT " -static")
 if(NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
-  get_filename_component(_tools ${CMAKE_CURRENT_LIST_DIR}/../tools/ground ABSOLUTE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${_tools}/wine-run)
+  get_filename_component(_runner ${CMAKE_CURRENT_LIST_DIR}/../tools/ground/wine-run ABSOLUTE)
+  if(EXISTS ${_runner})  # in an installed SDK there is none
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${_runner})
+  endif()
 endif()
