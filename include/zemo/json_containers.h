@@ -22,19 +22,21 @@ namespace ZEMO::Core {
 class ZEMO_API JsonContainer {
 public:
     JsonContainer();
+    /// Copies every value.
     JsonContainer(const JsonContainer& other);
     ~JsonContainer();
     /// Replaces all values by copies of `other`'s. `other` may be a value of this container; itself changes nothing.
     /// Where copying a value throws, this container keeps what it had.
     void operator=(const JsonContainer& other);
 
-    std::map<std::string, std::any> values;
+    std::map<std::string, std::any> values;  ///< by key (UTF-8); free to be changed
 };
 
 /// A JSON array: values of any type in order. As for JsonContainer, it owns copies of its values.
 class ZEMO_API JsonArrayContainer {
 public:
     JsonArrayContainer();
+    /// Copies every value.
     JsonArrayContainer(const JsonArrayContainer& other);
     /// Takes over `other`'s storage and leaves it empty.
     JsonArrayContainer(JsonArrayContainer&& other) noexcept;
@@ -45,7 +47,7 @@ public:
     /// Frees its own values and storage, takes over `other`'s and leaves it empty. Itself changes nothing.
     JsonArrayContainer& operator=(JsonArrayContainer&& other) noexcept;
 
-    std::vector<std::any> values;
+    std::vector<std::any> values;  ///< in order; free to be changed
 };
 
 }  // namespace ZEMO::Core

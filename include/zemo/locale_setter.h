@@ -12,10 +12,11 @@ namespace ZEMO::UI {
 class LocaleSetter {
 public:
     LocaleSetter() = default;
-    LocaleSetter(const LocaleSetter&) = default;
-    LocaleSetter(LocaleSetter&&) = default;
-    /// There is nothing to assign.
+    LocaleSetter(const LocaleSetter&) = default;  ///< There is nothing to copy.
+    LocaleSetter(LocaleSetter&&) = default;       ///< There is nothing to move.
+    /// Does nothing: there is nothing to assign.
     ZEMO_API LocaleSetter& operator=(const LocaleSetter& other);
+    /// Does nothing either.
     ZEMO_API LocaleSetter& operator=(LocaleSetter&& other) noexcept;
 
     /// Throws nothing. A language that the runtime does not have in UTF-8 stays as it was.

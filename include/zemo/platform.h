@@ -126,9 +126,11 @@ namespace ZEMO::Core {
 class Platform {
 public:
     Platform() = default;
+    /// There is nothing to copy.
     Platform(const Platform&) = default;
-    /// Do nothing, as there is nothing to assign.
+    /// Does nothing: there is nothing to assign.
     ZEMO_API Platform& operator=(const Platform& other) noexcept;
+    /// Does nothing either.
     ZEMO_API Platform& operator=(Platform&& other) noexcept;
 };
 

@@ -31,8 +31,9 @@ public:
         Lower = 1,  ///< through `tolower`
     };
 
-    /// There is nothing to assign: both do nothing.
+    /// Does nothing: there is nothing to assign.
     StringUtil& operator=(const StringUtil& other);
+    /// Does nothing either.
     StringUtil& operator=(StringUtil&& other);
 
     /// Base64 of `data` in the standard alphabet, padded with `=`, without line breaks.

@@ -3,7 +3,8 @@
 /// The library's whole public interface.
 ///
 /// Order of use: setUIEngineOsrRenderEnabled; InitUILibrary; InitUIGraphicsHook if the game wants that road; the
-/// callback and setting exports; then views. A view copies the settings when it is first shown. Unless a line says
+/// callback and setting exports; then views. A view copies the settings when it is first shown; each function says when
+/// that is otherwise. An exception that leaves a callback ends the process. Unless a line says
 /// otherwise, call these on the thread that owns the game's main window. None reports failure by value; what goes wrong
 /// is a line in the debug log (OutputDebugString). Text is UTF-8.
 
@@ -32,6 +33,7 @@ namespace ZEMO::UI {
 /// game should not use these numbers for messages of its own to that window: one that it posts there is taken for the
 /// library's while a view is shown, though a pointer that it carries is neither read nor freed.
 inline constexpr unsigned int kFirstReservedMessage = 1224;
+/// The last of them.
 inline constexpr unsigned int kLastReservedMessage = 1230;
 
 /// Starts the engine on a thread of the library and returns when it is ready (0.3 to 0.5 s); finds the game's main
@@ -61,7 +63,9 @@ ZEMO_API std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog();
 ZEMO_API std::filesystem::path getLocalHTMLResourcePath();
 
 /// Opens the address in the user's external browser, on a thread of its own; returns at once. Any thread. The callback
-/// of setUIOpenExternalBrowserCallback is asked first. Throws std::system_error when the thread can't be started.
+/// of setUIOpenExternalBrowserCallback is asked first. The text goes to the system's shell as it comes: whatever the
+/// shell opens, a program or a file too, it opens, and quotes in it are not escaped. Check an address that a page
+/// brought. A game that ends at once may lose the launch. Throws std::system_error when the thread can't be started.
 ZEMO_API void openBrowser(const ZEMO::Core::IURL& url);
 
 /// The same in a private window, where that browser has one.
@@ -105,10 +109,12 @@ ZEMO_API void setUIEngineOsrRenderEnabled(int enabled);
 /// thread each time the view gets the focus. Read when a view is first shown. Must not block.
 ZEMO_API void setUIGameControllerScriptUseCallback(std::function<void(int)> callback);
 
-/// Asked, on a thread of the library, before an address goes to the external browser; true: the game has opened it.
+/// Asked before an address goes to the external browser; true: the game has opened it. Read for each launch, and called
+/// on that launch's own thread: several at once are possible. Must not throw: an exception ends the process.
 ZEMO_API void setUIOpenExternalBrowserCallback(std::function<bool(const std::string&)> callback);
 
-/// Takes the frames of views shown afterwards (unless a graphics hook does).
+/// Takes the frames of views shown afterwards (unless a graphics hook does), except those in a window of their own. Two
+/// views on the game's window: see OsrFramePresentCallback.
 ZEMO_API void setUIOsrFramePresentCallback(OsrFramePresentCallback callback);
 
 /// Asked to show the game's on-screen keyboard: 0 text, 2 e-mail, 3 numbers; on the engine thread. Read when a view is

@@ -11,12 +11,16 @@ namespace ZEMO::Core {
 
 /// An address as scheme, host, port, path, query parameters and fragment.
 ///
+/// A text without a scheme is split by the same rules: `example.com/a` has its host where a path is meant, and
+/// `localhost:8080` the scheme `localhost`. Give the scheme.
+///
 /// A game may implement this itself and hand it to the functions that take a `const IURL&`; the library then reads it
 /// through getUrl alone, during the call. Ownership: texts and maps are copied in and out. Thread: one at a time for
 /// each object. Failure: none but the standard library's own exceptions.
 class ZEMO_API IURL {
 public:
-    /// Whether getUrl() is `other`, byte for byte and without decoding.
+    /// Whether getUrl() is `other`, byte for byte and without decoding. A literal fits several of these operations:
+    /// write `isEqual(std::string_view("https://a/"))`.
     virtual bool isEqual(const std::string& other) const = 0;
     /// The same for a view.
     virtual bool isEqual(std::string_view other) const = 0;
@@ -26,6 +30,7 @@ public:
     virtual std::string getUrl() const = 0;
     /// Text before the first `:`, without it.
     virtual std::string getScheme() const = 0;
+    /// Between `//` and the port or path, as it was written.
     virtual std::string getHost() const = 0;
     /// The port as text; it need not be a number.
     virtual std::string getPort() const = 0;
@@ -43,8 +48,11 @@ public:
     virtual void addQueryParameter(const std::string& key, const std::string& value) = 0;
     /// Adds a segment at the end of the path. `segment` comes without slashes around it.
     virtual void addPathSegment(const std::string& segment) = 0;
+    /// Without its `:`; unchecked, as in the next two.
     virtual void setScheme(const std::string& newScheme) = 0;
+    /// Without slashes.
     virtual void setHost(const std::string& newHost) = 0;
+    /// As text, without its `:`; empty for none.
     virtual void setPort(const std::string& newPort) = 0;
     /// The same as getUrl().
     virtual std::string toString() const = 0;
@@ -67,7 +75,9 @@ class ZEMO_API URL : public IURL {
 public:
     /// Splits `url`. No text is refused: a part that is not there is empty.
     URL(const std::string& url);
+    /// Copies every field.
     URL(const URL& other);
+    /// Copies every field.
     URL& operator=(const URL& other);
 
     bool isEqual(const std::string& other) const override;

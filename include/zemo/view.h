@@ -11,7 +11,9 @@ class IZEMOView;
 class ZEMOViewDelegate {
 public:
     /// `view` is valid during the call; keep the shared pointer that the factory gave, not this one.
+    /// At the end of each show.
     virtual void viewDidShow(IZEMOView* view) = 0;
+    /// In close, or when the view's own window is closed; not when the view object dies. The view may be dropped here.
     virtual void viewDidClose(IZEMOView* view) = 0;
     virtual ~ZEMOViewDelegate() = default;
 };
@@ -36,7 +38,7 @@ public:
     virtual void setViewDelegate(std::shared_ptr<ZEMOViewDelegate> delegate) = 0;
 
     /// Logical pixels, truncated toward zero. Only the first show reads them, and only for a window of its own: a layer
-    /// on the game's window has that window's client size.
+    /// on the game's window has that window's client size, or the desktop's where there is no window yet.
     virtual void setSize(float width, float height) = 0;
 
     /// 0: a layer on the game's main window (default). 1: a native window of its own. No other value makes a view.

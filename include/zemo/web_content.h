@@ -17,16 +17,16 @@ public:
 
     /// The address; the reference must stay valid while the item lives.
     virtual const ZEMO::Core::IURL& getUrl() const = 0;
-    virtual void reserved2() {}
+    virtual void reserved2() {}  ///< never called
     /// kKindPost, or any other value for a plain address.
     virtual int getKind() const = 0;
-    virtual void reserved4() {}
-    virtual void reserved5() {}
-    virtual void reserved6() {}
+    virtual void reserved4() {}  ///< never called
+    virtual void reserved5() {}  ///< never called
+    virtual void reserved6() {}  ///< never called
     /// Request headers of a POST item, UTF-8. They replace all headers that the engine had set.
     virtual std::unordered_map<std::string, std::string> getHeaders() const { return {}; }
-    virtual void reserved8() {}
-    virtual void reserved9() {}
+    virtual void reserved8() {}  ///< never called
+    virtual void reserved9() {}  ///< never called
     /// Request body of a POST item. It ends at its first NUL byte.
     virtual std::string getBody() const { return {}; }
 

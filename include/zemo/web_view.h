@@ -17,17 +17,21 @@ class IZEMOWebView;
 /// Follows a view's navigation. Implemented by the game; every operation comes on the engine thread, except
 /// closeRequested, which comes on the thread of the window whose close button was pressed (or on the engine thread when
 /// a page asked for it). None may block: the engine and all its pages wait meanwhile. Frames inside a page report too,
-/// so several starts and completions for one page are normal.
+/// so several starts and completions for one page are normal. An exception that leaves one of these operations ends the
+/// process.
 class ZEMOWebViewDelegate {
 public:
+    /// A load has begun. The page before it is still on the screen.
     virtual void navigationStarting(std::shared_ptr<IZEMOWebView> view) = 0;
     /// The engine's error number in the generic category; -600 stands for a page process that died (the page is already
     /// being loaded again then).
     virtual void navigationFailed(std::shared_ptr<IZEMOWebView> view, const std::error_code& error) = 0;
+    /// A load has ended, also after navigationFailed. What it shows is painted with one of the next frames.
     virtual void navigationCompleted(std::shared_ptr<IZEMOWebView> view) = 0;
     /// True: the game has dealt with `url` (UTF-8) and the page must not go there.
     virtual bool navigationRequested(std::shared_ptr<IZEMOWebView> view, std::string url) = 0;
-    /// The close button, or the page, asks to close. The game decides; normally it calls close and drops the view.
+    /// The close button, or the page, asks to close: a page does so by going to zemosdk://nativeclose (window.close()
+    /// does nothing). The game decides; normally it calls close and drops the view.
     virtual void closeRequested() = 0;
     virtual ~ZEMOWebViewDelegate() = default;
 };
@@ -45,7 +49,7 @@ public:
     /// it from then on.
     virtual void setWebViewDelegate(std::shared_ptr<ZEMOWebViewDelegate> delegate) = 0;
 
-    /// A page of resources\html beside the library, by its name without ".html" ("start"), or, before the first show,
+    /// A page of resources/html beside the library, by its name without ".html" ("start"), or, before the first show,
     /// an absolute file path without ".html". UTF-8.
     virtual void loadPage(std::string nameOrPath) = 0;
 
@@ -77,9 +81,11 @@ public:
     /// runs it with evaluateJavascript. Neither text is escaped.
     virtual std::string bindObject(std::string name, std::string message) = 0;
 
+    /// One page back in this view's history; no effect without one.
     virtual void goBack() = 0;
     /// False without a page.
     virtual bool canGoBack() = 0;
+    /// One page forward; no effect without one.
     virtual void goForward() = 0;
     /// False without a page.
     virtual bool canGoForward() = 0;

@@ -13,6 +13,7 @@
 /// of ZEMO::Platform::WinRt there, or call through raisedByProjection.
 #ifndef ZEMO_WINRT_PROJECTION
 #ifdef _MSC_VER
+/// 1: the projection's own classes, 0: those of this header.
 #define ZEMO_WINRT_PROJECTION 1  // library and game must agree on it
 #else
 #define ZEMO_WINRT_PROJECTION 0
@@ -51,9 +52,11 @@ using hstring = std::wstring;
 
 /// A result code that converts to and from the plain HRESULT.
 struct hresult {
-    int32_t value = 0;
+    int32_t value = 0;  ///< the plain HRESULT
     constexpr hresult() noexcept = default;
+    /// From the plain HRESULT.
     constexpr hresult(int32_t code) noexcept : value(code) {}
+    /// To the plain HRESULT.
     constexpr operator int32_t() const noexcept { return value; }
 };
 
@@ -61,7 +64,9 @@ struct hresult {
 /// by the name of a class derived from it. A value: copyable, bound to no thread and to no COM object.
 struct hresult_error {
     hresult_error() noexcept : hresult_error(E_FAIL) {}
+    /// With the system's text for `code`.
     explicit hresult_error(hresult code) noexcept : failure(code) {}
+    /// With a text of the failing side.
     hresult_error(hresult code, hstring message) noexcept : failure(code), told(std::move(message)) {}
 
     /// The failing HRESULT.

@@ -29,14 +29,10 @@ if(strangers)
   message(FATAL_ERROR "the installed tree holds ${strangers}")
 endif()
 
-# The front page's example is what a newcomer copies: the consumer compiles it.
-file(READ "${sdk}/README.md" page)
-string(REGEX MATCH "```cpp\n([^`]*)```" example "${page}")
-if(NOT example)
-  file(REMOVE_RECURSE "${WORK}")
-  message(FATAL_ERROR "README.md holds no C++ example")
-endif()
-file(WRITE "${WORK}/readme/readme_example.inc" "${CMAKE_MATCH_1}")
+# The examples of the pages are what a newcomer copies: the consumer compiles them all.
+file(GLOB pages "${sdk}/README.md" "${sdk}/docs/*.md" "${CONSUMER}/../../../README.md")
+file(MAKE_DIRECTORY "${WORK}/pages")
+step("taking the examples out of the pages" ${PYTHON} -B ${CONSUMER}/../snippets.py "${WORK}/pages/snippets.cpp" ${pages})
 
 # A tree must work where it is moved to.
 file(RENAME "${sdk}" "${WORK}/moved sdk")
@@ -46,7 +42,7 @@ else()
   set(compiler -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
 endif()
 step("configuring the consumer" ${CMAKE_COMMAND} -S "${CONSUMER}" -B "${WORK}/consumer" -G ${GENERATOR} ${compiler}
-     -DCMAKE_BUILD_TYPE=Release "-DREADME_EXAMPLE_DIR=${WORK}/readme" "-DZEMOUIFramework_DIR=${WORK}/moved sdk/lib/cmake/ZEMOUIFramework")
+     -DCMAKE_BUILD_TYPE=Release "-DEXAMPLES=${WORK}/pages/snippets.cpp" "-DZEMOUIFramework_DIR=${WORK}/moved sdk/lib/cmake/ZEMOUIFramework")
 step("building the consumer" ${CMAKE_COMMAND} --build "${WORK}/consumer")
 
 # Each sample as its reader builds it, with what the SDK's page says. The first one is run: its page becomes a picture.

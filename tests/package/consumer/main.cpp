@@ -5,11 +5,7 @@
 #include <cstdio>
 #include <cwchar>
 
-/// The example of the front page, as it stands there. Compiled only: an engine is not needed here.
-[[maybe_unused]] static void readmeExample(const ZEMO::UI::OsrFramePresentCallback& takeFrame,
-                                           const std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>& delegate) {
-#include "readme_example.inc"
-}
+HWND gameWindow = nullptr;  // the pages' examples, which are compiled and not run, name one
 
 int main() {
     const std::filesystem::path resources = ZEMO::UI::getLocalHTMLResourcePath();
