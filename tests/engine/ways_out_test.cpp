@@ -118,15 +118,22 @@ TEST(WholeProcess, PageSetsACookieAndTheGameReturns_NextGameSendsIt) {
                             .extraHeaders = "Set-Cookie: login=kept; Max-Age=3600\r\n"});
     const std::string address = server.url("/login");
     const std::wstring way = L"return " + std::wstring(address.begin(), address.end());
-    for (int i = 0; i < 2; ++i) {
+    // The library waits two seconds for the engine. Where the machine is so crowded that this is not enough, the log says
+    // so, and nothing was promised: another game then tries.
+    bool stoppedInOrder = false;
+    for (int i = 0; i < 5 && !stoppedInOrder; ++i) {
         HelperGame game(libraryFile(), way, programDirectory());
         ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
         ASSERT_TRUE(game.waitForEnd(kEnd)) << game.output();
+        stoppedInOrder = game.output().find("cef is shutdown") != std::string::npos;
     }
-    ASSERT_EQ(server.requestCount("/login"), 2u);
-    std::string cookies;
+    ASSERT_TRUE(stoppedInOrder);
+    HelperGame next(libraryFile(), way, programDirectory());
+    ASSERT_TRUE(next.waitForLine("leaving")) << next.output();
+    std::string cookies;  // of the last request: the next game's
     for (const HttpServer::Request& request : server.requests()) {
-        if (request.target == "/login" && request.headers.contains("cookie")) cookies += request.headers.at("cookie");
+        if (request.target != "/login") continue;
+        cookies = request.headers.contains("cookie") ? request.headers.at("cookie") : "";
     }
     EXPECT_EQ(cookies, "login=kept") << "a login lives on, also when it came seconds before the end";
 }
