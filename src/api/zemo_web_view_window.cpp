@@ -14,6 +14,7 @@
 #include "core/module_paths.h"
 #include "core/never_destroyed.h"
 #include "core/process_end.h"
+#include "engine/cef_context_handler.h"
 #include "layers/layer_manager.h"
 #include "layers/web/web_layer.h"
 #include "render/pixel_scale.h"
@@ -217,7 +218,9 @@ void ZEMOWebViewWindow::goForward() {
 
 bool ZEMOWebViewWindow::canGoForward() { return layer && layer->canGoForward(); }
 
-bool ZEMOWebViewWindow::deleteCookies(const std::string& /*url*/) { return false; }  // the cookie service comes later
+bool ZEMOWebViewWindow::deleteCookies(const std::string& url) {
+    return std::make_shared<CefContextHandler>()->deleteCookies(url);
+}
 
 void ZEMOWebViewWindow::setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) {
     if (layer) layer->setContentItems(std::move(items));
