@@ -101,6 +101,12 @@ public:
     ReturnValue OnBeforeResourceLoad(CefRefPtr<CefBrowser> source, CefRefPtr<CefFrame> frame,
                                      CefRefPtr<CefRequest> request, CefRefPtr<CefCallback> callback) override;
 
+    // CefDownloadHandler
+    bool OnBeforeDownload(CefRefPtr<CefBrowser> source, CefRefPtr<CefDownloadItem> download_item,
+                          const CefString& suggested_name, CefRefPtr<CefBeforeDownloadCallback> callback) override;
+    void OnDownloadUpdated(CefRefPtr<CefBrowser> source, CefRefPtr<CefDownloadItem> download_item,
+                           CefRefPtr<CefDownloadItemCallback> callback) override;
+
     // CefDisplayHandler
     bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,
                         const CefCursorInfo& custom_cursor_info) override;

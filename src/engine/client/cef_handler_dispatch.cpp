@@ -5,6 +5,7 @@
 #include "core/process_end.h"
 #include "core/process_messages.h"
 #include "engine/client/cef_handler.h"
+#include "engine/client/request/downloads.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
@@ -68,6 +69,19 @@ CefHandler::ReturnValue CefHandler::OnBeforeResourceLoad(CefRefPtr<CefBrowser> /
     CEF_REQUIRE_IO_THREAD();
     contentItems.applyTo(request);
     return RV_CONTINUE;
+}
+
+bool CefHandler::OnBeforeDownload(CefRefPtr<CefBrowser> /*source*/, CefRefPtr<CefDownloadItem> /*download_item*/,
+                                  const CefString& suggested_name, CefRefPtr<CefBeforeDownloadCallback> callback) {
+    assert(isOnEngineThread());
+    proposeDownload(suggested_name, callback);
+    return false;  // the callback has been run all the same
+}
+
+void CefHandler::OnDownloadUpdated(CefRefPtr<CefBrowser> /*source*/, CefRefPtr<CefDownloadItem> download_item,
+                                   CefRefPtr<CefDownloadItemCallback> /*callback*/) {
+    assert(isOnEngineThread());
+    reportDownload(download_item, getBrowser());
 }
 
 bool CefHandler::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle cursor, cef_cursor_type_t /*type*/,
