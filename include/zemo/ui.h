@@ -61,7 +61,9 @@ ZEMO_API std::shared_ptr<IZEMOFileSelectView> createFileSelectViewDialog();
 ZEMO_API std::filesystem::path getLocalHTMLResourcePath();
 
 /// Opens the address in the user's external browser, on a thread of its own; returns at once. Any thread. The callback
-/// of setUIOpenExternalBrowserCallback is asked first. Throws std::system_error when the thread can't be started.
+/// of setUIOpenExternalBrowserCallback is asked first. The text goes to the system's shell as it is, which opens
+/// whatever is registered for it: look at the scheme of what a page gave. Throws std::system_error when the thread
+/// can't be started.
 ZEMO_API void openBrowser(const ZEMO::Core::IURL& url);
 
 /// The same in a private window, where that browser has one.
