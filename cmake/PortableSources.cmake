@@ -16,5 +16,6 @@ set(ZEMO_PORTABLE_SOURCES
     controller/controller_pages.cpp
     controller/controller_scripts.cpp
     controller/remote_input.cpp
+    engine/client_scheme_handler_types.cpp
     engine/client/script/script_queue.cpp)
 list(TRANSFORM ZEMO_PORTABLE_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/src/)

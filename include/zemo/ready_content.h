@@ -32,8 +32,9 @@ private:
 ///       std::unordered_map<std::string, std::string>{{"Content-Type", "application/x-www-form-urlencoded"}}));
 class ZEMOPostContent : public IZEMOWebContent {
 public:
-    /// `address` as the engine asks for it: an address without a path ends with a slash. `body` ends at its first NUL.
-    /// `headers`, UTF-8, replace all headers that the engine had set.
+    /// `address` as the engine asks for it, with a path that ends in a name: ZEMO::Core::URL drops a slash at the end
+    /// and sorts the query, so such an address never matches. `body` ends at its first NUL. `headers`, UTF-8, replace
+    /// all headers that the engine had set.
     ZEMOPostContent(const std::string& address, std::string body,
                     std::unordered_map<std::string, std::string> headers = {})
         : url(address), body(std::move(body)), headers(std::move(headers)) {}

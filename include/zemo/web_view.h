@@ -28,7 +28,10 @@ public:
     virtual void navigationFailed(std::shared_ptr<IZEMOWebView> view, const std::error_code& error) = 0;
     /// A load has ended, also after navigationFailed. What it shows is painted with one of the next frames.
     virtual void navigationCompleted(std::shared_ptr<IZEMOWebView> view) = 0;
-    /// True: the game has dealt with `url` (UTF-8) and the page must not go there.
+    /// True: the game has dealt with `url` (UTF-8, as the engine writes it) and the page must not go there: nothing of
+    /// it is sent. Asked for the page, its frames, redirects and forms, and for the game's own loads; not for pictures,
+    /// scripts and their requests, nor for popups, whose target goes to the system's shell as it is. This is the only
+    /// policy that there is: docs/requests.md shows one, docs/security.md says why a game needs it.
     virtual bool navigationRequested(std::shared_ptr<IZEMOWebView> view, std::string url) = 0;
     /// The close button, or the page, asks to close: a page does so by going to zemosdk://nativeclose (window.close()
     /// does nothing). The game decides; normally it calls close and drops the view.
@@ -38,6 +41,10 @@ public:
 
 /// A web page on the screen. Made by createWebViewDefault, owned by the caller: dropping the last pointer ends the
 /// page.
+///
+/// A page has fewer walls around it than in a browser: web security and site isolation are off, there is no sandbox,
+/// and every page can read files of the served kinds through the library's own scheme, also outside of its resource
+/// folder. Show only pages that are trusted like the game itself (docs/security.md).
 ///
 /// Used from one thread, the caller's. Before the first show the load operations only store what to load, the last call
 /// of each kind wins; from then on each loads at once, in the same browser. Between show and the first
@@ -78,7 +85,8 @@ public:
     virtual void addJavascriptCallback(std::string name, std::function<void(std::string)> callback) = 0;
 
     /// Registers `message` for the object `name` (not before show) and returns the script that binds it; the caller
-    /// runs it with evaluateJavascript. Neither text is escaped.
+    /// runs it with evaluateJavascript. Neither text is escaped: both must be the game's own, never a player's or a
+    /// page's.
     virtual std::string bindObject(std::string name, std::string message) = 0;
 
     /// One page back in this view's history; no effect without one.
@@ -90,12 +98,14 @@ public:
     /// False without a page.
     virtual bool canGoForward() = 0;
 
-    /// Deletes the cookies whose domain contains `url` (all for an empty text), for every view of the process. Blocks
-    /// until the engine has walked its cookies; must not be called on the engine thread. False when they can't be
-    /// reached.
+    /// Deletes the cookies whose domain contains `url` (all for an empty text), for every view of the process, shown or
+    /// not. A bare host in small letters, "example.com": a scheme, a path or a capital finds nothing. Any thread but
+    /// the engine's; blocks until the engine has walked its cookies. False when they can't be reached, and on the
+    /// engine thread.
     virtual bool deleteCookies(const std::string& url) = 0;
 
-    /// Replaces the list of items that turn requests into POSTs. Dropped before show.
+    /// Replaces the list of items that turn requests into POSTs, for the requests that are sent from now on: an item
+    /// stays in force until then, for every page and frame of the view. Dropped before show.
     virtual void setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) = 0;
 
     /// A small X in the view's upper right corner, from the first completed load on. Read by the first show.

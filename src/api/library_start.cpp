@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include "core/process_state.h"
+#include "core/resource_names.h"
 #include "engine/cef_module.h"
+#include "engine/client_scheme_handler.h"
 #include "layers/layer_manager.h"
 #include "layers/main_window.h"
 #include "layers/xinput_switch.h"
@@ -11,8 +13,9 @@
 namespace ZEMO::UI {
 namespace {
 
-// The factory that serves local resources through the custom scheme is not part of this build yet.
-void registerCustomSchemeFactory() {}
+void registerCustomSchemeFactory() {
+    CefRegisterSchemeHandlerFactory(Core::kCustomSchemeName, Core::kCustomSchemeDomain, new ClientSchemeHandlerFactory);
+}
 
 }  // namespace
 

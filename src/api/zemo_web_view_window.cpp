@@ -11,8 +11,10 @@
 
 #include "controller/controller_scripts.h"
 #include "core/game_callback.h"
+#include "core/module_paths.h"
 #include "core/never_destroyed.h"
 #include "core/process_end.h"
+#include "engine/cef_context_handler.h"
 #include "layers/layer_manager.h"
 #include "layers/web/web_layer.h"
 #include "render/pixel_scale.h"
@@ -32,15 +34,6 @@ std::string makeRequestId() {
                   static_cast<unsigned>(guid.Data1), guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1],
                   guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
     return text;
-}
-
-// The system's ANSI code page, which is what narrow paths are read in.
-std::wstring widenPath(const std::string& text) {
-    const UINT codePage = AreFileApisANSI() ? CP_ACP : CP_OEMCP;
-    const int length = MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length > 0 ? length : 0), L'\0');
-    MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-    return wide;
 }
 
 }  // namespace
@@ -225,7 +218,9 @@ void ZEMOWebViewWindow::goForward() {
 
 bool ZEMOWebViewWindow::canGoForward() { return layer && layer->canGoForward(); }
 
-bool ZEMOWebViewWindow::deleteCookies(const std::string& /*url*/) { return false; }  // the cookie service comes later
+bool ZEMOWebViewWindow::deleteCookies(const std::string& url) {
+    return std::make_shared<CefContextHandler>()->deleteCookies(url);
+}
 
 void ZEMOWebViewWindow::setContentItems(std::vector<std::shared_ptr<IZEMOWebContent>> items) {
     if (layer) layer->setContentItems(std::move(items));
@@ -236,8 +231,8 @@ void ZEMOWebViewWindow::navigationStarting(std::shared_ptr<IZEMOWebView> view) {
     auto& manager = ZEMOMultiLayerManager::instance();
     manager.repaintMainWindow();
     if (!ControllerScripts::isControllerPage(pendingUrl)) return;
-    const std::string script =
-        ControllerScripts::buildControllerPageScript(widenPath(pendingUrl), manager.getGameControllerStatus());
+    const std::string script = ControllerScripts::buildControllerPageScript(Core::widenNarrowPath(pendingUrl),
+                                                                            manager.getGameControllerStatus());
     if (!script.empty() && layer) layer->injectControllerScript(script);
 }
 

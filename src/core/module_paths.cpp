@@ -109,6 +109,14 @@ std::wstring to_wide(const std::string& utf8) {
     return wide;
 }
 
+std::wstring widenNarrowPath(const std::string& path) {
+    const UINT codePage = AreFileApisANSI() ? CP_ACP : CP_OEMCP;
+    const int length = MultiByteToWideChar(codePage, 0, path.data(), static_cast<int>(path.size()), nullptr, 0);
+    std::wstring wide(static_cast<size_t>(length > 0 ? length : 0), L'\0');
+    MultiByteToWideChar(codePage, 0, path.data(), static_cast<int>(path.size()), wide.data(), length);
+    return wide;
+}
+
 std::shared_ptr<char> toSharedUtf8(const wchar_t* text) {
     if (!text) return {};
     const int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);

@@ -35,6 +35,10 @@ HMODULE loadLibraryFromModuleDirectory(const std::wstring& relativePath);
 /// UTF-8 to UTF-16. Invalid sequences are replaced by the system; empty means empty input or a system failure.
 std::wstring to_wide(const std::string& utf8);
 
+/// A narrow file name as this process reads them: through its active code page, the system's unless the program's
+/// manifest names UTF-8.
+std::wstring widenNarrowPath(const std::string& path);
+
 /// NUL-terminated UTF-8 copy of `text`, from malloc and freed with free; empty pointer for null or on a failure.
 std::shared_ptr<char> toSharedUtf8(const wchar_t* text);
 

@@ -36,6 +36,7 @@ void checkPopup(const std::string& markup) {
     ASSERT_EQ(starts.size(), 1u);
     EXPECT_EQ(starts[0].arguments, std::vector<std::string>{target});
     EXPECT_EQ(server.requestCount("/popup"), 0u) << "no browser of ours asks for it";
+    EXPECT_FALSE(view.events->has("requested " + target)) << "the delegate is not asked";
     EXPECT_EQ(view.adapter->getBrowser()->GetIdentifier(), browser);
     EXPECT_FALSE(view.events->has("starting")) << "the page itself goes nowhere";
 }

@@ -13,6 +13,25 @@ std::filesystem::path programDirectory() {
     return std::filesystem::path(path).parent_path();
 }
 
+std::filesystem::path copyOfLibraryFolder(const wchar_t* name) {
+    const std::filesystem::path from = programDirectory();
+    const std::filesystem::path to = from / name;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(from)) {
+        const std::filesystem::path relative = std::filesystem::relative(entry.path(), from);
+        const std::wstring first = relative.begin()->wstring();
+        if (first == name || first.starts_with(L"cache") || first == L"tmp" || first == L"stage") continue;
+        if (entry.is_directory()) {
+            std::filesystem::create_directories(to / relative);
+        } else if (entry.path().extension() != L".exe" || relative.has_parent_path()) {
+            std::filesystem::create_directories((to / relative).parent_path());
+            std::error_code error;
+            std::filesystem::create_hard_link(entry.path(), to / relative, error);
+            if (error) std::filesystem::copy_file(entry.path(), to / relative);
+        }
+    }
+    return to;
+}
+
 std::vector<DWORD> processesBelow(const std::filesystem::path& directory) {
     std::vector<DWORD> found;
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
@@ -35,7 +54,7 @@ std::vector<DWORD> processesBelow(const std::filesystem::path& directory) {
 }
 
 HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring& way,
-                       const std::filesystem::path& workingDirectory) {
+                       const std::filesystem::path& workingDirectory, std::filesystem::path program) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     HANDLE write = nullptr;
     CreatePipe(&pipe, &write, &inherit, 0);
@@ -45,7 +64,7 @@ HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring&
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = write;
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    const std::filesystem::path program = programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe";
+    if (program.empty()) program = programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe";
     std::wstring line = std::format(L"\"{}\" \"{}\" {}", program.wstring(), library.wstring(), way);
     const BOOL started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                         workingDirectory.c_str(), &startup, &process);

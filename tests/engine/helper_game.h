@@ -15,6 +15,9 @@ namespace ZEMO::Test {
 /// Directory of this test program, which is also the library's.
 std::filesystem::path programDirectory();
 
+/// A copy of the library's folder (hard links, so it costs nothing) under another name, beside this program.
+std::filesystem::path copyOfLibraryFolder(const wchar_t* name);
+
 /// Ids of all running processes whose program lies below `directory`.
 std::vector<DWORD> processesBelow(const std::filesystem::path& directory);
 
@@ -23,8 +26,9 @@ std::vector<DWORD> processesBelow(const std::filesystem::path& directory);
 class HelperGame {
 public:
     /// `library`: full path of the library file to load. `workingDirectory`: the process's current directory.
+    /// `program`: the game, where it is not the one beside this test.
     HelperGame(const std::filesystem::path& library, const std::wstring& way,
-               const std::filesystem::path& workingDirectory);
+               const std::filesystem::path& workingDirectory, std::filesystem::path program = {});
     ~HelperGame();
     HelperGame(const HelperGame&) = delete;
     HelperGame& operator=(const HelperGame&) = delete;

@@ -14,26 +14,6 @@ namespace {
 
 constexpr auto kEnd = 5s;
 
-/// A copy of the library's folder (hard links, so it costs nothing) under another name.
-fs::path copyOfLibraryFolder(const wchar_t* name) {
-    const fs::path from = programDirectory();
-    const fs::path to = from / name;
-    for (const auto& entry : fs::recursive_directory_iterator(from)) {
-        const fs::path relative = fs::relative(entry.path(), from);
-        const std::wstring first = relative.begin()->wstring();
-        if (first == name || first.starts_with(L"cache") || first == L"tmp" || first == L"stage") continue;
-        if (entry.is_directory()) {
-            fs::create_directories(to / relative);
-        } else if (entry.path().extension() != L".exe" || relative.has_parent_path()) {
-            fs::create_directories((to / relative).parent_path());
-            std::error_code error;
-            fs::create_hard_link(entry.path(), to / relative, error);
-            if (error) fs::copy_file(entry.path(), to / relative);
-        }
-    }
-    return to;
-}
-
 bool lockIsFree(const fs::path& cache) {
     const HANDLE lock = CreateFileW((cache / L"cef.lock").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -1,9 +1,9 @@
 // A small game for tests of whole processes: it loads the library by the path it is given, as a game's launcher would,
 // opens a view on a page of one colour, says "ready", and leaves in the way it is told.
-//   zemo_engine_helper.exe LIBRARY WAY [MILLISECONDS | ADDRESS | held]
+//   zemo_engine_helper.exe LIBRARY WAY [MILLISECONDS | ADDRESS | page:NAME | held]
 // With MILLISECONDS it leaves that long after the view was shown, whatever the page has come to. With ADDRESS it opens
-// that page, which must show the same colour. Held, it is ready until the test sets the event that has its process id
-// in its name. WAY: return, static, global, exit, exit-in-callback,
+// that page, with NAME the local page of that name; it must show the same colour. Held, it is ready until the test sets
+// the event that has its process id in its name. WAY: return, static, global, exit, exit-in-callback,
 // exit-callback-blocked, exitprocess, exitprocess-thread,
 //   exitprocess-engine-blocked, freelibrary, terminate, wait (until killed), drop, return-started-twice
 #include <windows.h>
@@ -143,14 +143,20 @@ int wmain(int argc, wchar_t** argv) {
     auto view = find<std::shared_ptr<ZEMO::UI::IZEMOWebView>()>(library, "_ZN4ZEMO2UI20createWebViewDefaultEv")();
     const std::wstring option = argc > 3 ? argv[3] : L"";
     const bool address = option.starts_with(L"http");
-    view->loadHtml(address ? "<script>location.replace('" + std::string(option.begin(), option.end()) + "')</script>"
+    const bool local = option.starts_with(L"page:");
+    if (local) {
+        view->loadPage(std::string(option.begin() + 5, option.end()));
+    } else {
+        view->loadHtml(address
+                           ? "<script>location.replace('" + std::string(option.begin(), option.end()) + "')</script>"
                            : "<!doctype html><style>html,body{margin:0;background:#204060}</style>",
-                   "");
+                       "");
+    }
     view->show();
     const bool held = option == L"held";
     const std::wstring eventName = L"zemo engine helper " + std::to_wstring(GetCurrentProcessId());
     const HANDLE mayLeave = held ? CreateEventW(nullptr, TRUE, FALSE, eventName.c_str()) : nullptr;
-    if (!option.empty() && !address && !held) {
+    if (!option.empty() && !address && !local && !held) {
         pump(std::stoi(option), nullptr);
     } else if (!pump(60'000, &seen)) {
         say("no page");

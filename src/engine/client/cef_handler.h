@@ -28,11 +28,11 @@ class JavascriptProcessor;
 /// who the browser is, how it lives and ends, and where each callback goes. What a page does beside that belongs to
 /// the member objects (frames, input, IME, script, requests).
 ///
-/// Threads: engine callbacks come on the engine thread. The plain operations come on the thread of the layer's window,
-/// close on the thread that destroys the layer. A render thread of the frames' own runs from construction to close; it
-/// only uses the browser and the consumers, never the object's references, since none exists yet when it starts.
-/// Lifetime: reference counted; the web layer and the engine hold it. close must have run before the last reference
-/// goes.
+/// Threads: engine callbacks come on the engine thread, those of a request on the engine's IO thread. The plain
+/// operations come on the thread of the layer's window, close on the thread that destroys the layer. A render thread of
+/// the frames' own runs from construction to close; it only uses the browser and the consumers, never the object's
+/// references, since none exists yet when it starts. Lifetime: reference counted; the web layer and the engine hold it.
+/// close must have run before the last reference goes.
 class CefHandler : public CefClient,
                    public CefRenderHandler,
                    public CefLifeSpanHandler,
@@ -91,6 +91,21 @@ public:
                        bool* no_javascript_access) override;
     void OnAfterCreated(CefRefPtr<CefBrowser> created) override;
     void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
+
+    // CefRequestHandler, CefResourceRequestHandler: on the engine's IO thread.
+    CefRefPtr<CefResourceRequestHandler> GetResourceRequestHandler(CefRefPtr<CefBrowser> source,
+                                                                   CefRefPtr<CefFrame> frame,
+                                                                   CefRefPtr<CefRequest> request, bool is_navigation,
+                                                                   bool is_download, const CefString& request_initiator,
+                                                                   bool& disable_default_handling) override;
+    ReturnValue OnBeforeResourceLoad(CefRefPtr<CefBrowser> source, CefRefPtr<CefFrame> frame,
+                                     CefRefPtr<CefRequest> request, CefRefPtr<CefCallback> callback) override;
+
+    // CefDownloadHandler
+    bool OnBeforeDownload(CefRefPtr<CefBrowser> source, CefRefPtr<CefDownloadItem> download_item,
+                          const CefString& suggested_name, CefRefPtr<CefBeforeDownloadCallback> callback) override;
+    void OnDownloadUpdated(CefRefPtr<CefBrowser> source, CefRefPtr<CefDownloadItem> download_item,
+                           CefRefPtr<CefDownloadItemCallback> callback) override;
 
     // CefDisplayHandler
     bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,

@@ -5,14 +5,16 @@
 #include "core/process_end.h"
 #include "core/process_messages.h"
 #include "engine/client/cef_handler.h"
+#include "engine/client/request/downloads.h"
 #include "engine/client/script/javascript_processor.h"
 #include "engine/engine_thread.h"
 #include "include/cef_browser.h"
 #include "include/cef_process_message.h"
 #include "include/cef_values.h"
+#include "include/wrapper/cef_helpers.h"
 #include "layers/window_messages.h"
 
-// Where each callback of the engine goes. All of them come on the engine thread.
+// Where each callback of the engine goes. They come on the engine thread, the two of a request on its IO thread.
 namespace ZEMO::UI {
 
 bool CefHandler::OnProcessMessageReceived(CefRefPtr<CefBrowser> source, CefRefPtr<CefFrame> /*frame*/,
@@ -49,6 +51,37 @@ bool CefHandler::OnBeforePopup(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefF
     // A game has no room for a second browser window: the target belongs to the user's own browser.
     ShellExecuteW(nullptr, L"open", target_url.ToWString().c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     return true;
+}
+
+CefRefPtr<CefResourceRequestHandler> CefHandler::GetResourceRequestHandler(CefRefPtr<CefBrowser> /*source*/,
+                                                                           CefRefPtr<CefFrame> /*frame*/,
+                                                                           CefRefPtr<CefRequest> /*request*/,
+                                                                           bool /*is_navigation*/, bool /*is_download*/,
+                                                                           const CefString& /*request_initiator*/,
+                                                                           bool& /*disable_default_handling*/) {
+    CEF_REQUIRE_IO_THREAD();
+    return this;
+}
+
+CefHandler::ReturnValue CefHandler::OnBeforeResourceLoad(CefRefPtr<CefBrowser> /*source*/,
+                                                         CefRefPtr<CefFrame> /*frame*/, CefRefPtr<CefRequest> request,
+                                                         CefRefPtr<CefCallback> /*callback*/) {
+    CEF_REQUIRE_IO_THREAD();
+    contentItems.applyTo(request);
+    return RV_CONTINUE;
+}
+
+bool CefHandler::OnBeforeDownload(CefRefPtr<CefBrowser> /*source*/, CefRefPtr<CefDownloadItem> /*download_item*/,
+                                  const CefString& suggested_name, CefRefPtr<CefBeforeDownloadCallback> callback) {
+    assert(isOnEngineThread());
+    proposeDownload(suggested_name, callback);
+    return false;  // the callback has been run all the same
+}
+
+void CefHandler::OnDownloadUpdated(CefRefPtr<CefBrowser> /*source*/, CefRefPtr<CefDownloadItem> download_item,
+                                   CefRefPtr<CefDownloadItemCallback> /*callback*/) {
+    assert(isOnEngineThread());
+    reportDownload(download_item, getBrowser());
 }
 
 bool CefHandler::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle cursor, cef_cursor_type_t /*type*/,

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "include/cef_request.h"
 #include "zemo/web_content.h"
 
 namespace ZEMO::UI {
@@ -18,6 +19,10 @@ public:
     void set(List items) { current.store(std::make_shared<const List>(std::move(items))); }
     /// Never null.
     std::shared_ptr<const List> get() const { return current.load(); }
+
+    /// Makes `request`, which is about to be sent, the POST of each item of kind 3 whose address it has, so that the
+    /// last of equal items wins. The game's items are called. IO thread.
+    void applyTo(const CefRefPtr<CefRequest>& request) const;
 
 private:
     std::atomic<std::shared_ptr<const List>> current{std::make_shared<const List>()};

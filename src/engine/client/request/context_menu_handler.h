@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/engine_thread.h"
 #include "include/cef_context_menu_handler.h"
 
 namespace ZEMO::UI {
@@ -9,6 +10,7 @@ class CefContextualMenuHandler : public CefContextMenuHandler {
 public:
     void OnBeforeContextMenu(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                              CefRefPtr<CefContextMenuParams> params, CefRefPtr<CefMenuModel> model) override {
+        assert(isOnEngineThread());
         (void)browser, (void)frame, (void)params;
         model->Clear();
     }
