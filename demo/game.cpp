@@ -51,12 +51,12 @@ std::string parameter(const std::string& command, const std::string& name) {
 
 }  // namespace
 
-Game::Game(const Options& options)
-    : options(options),
-      window(L"Outpost", options.size),
+Game::Game(const Options& chosen)
+    : options(chosen),
+      window(L"Outpost", chosen.size),
       surface(std::make_shared<PageSurface>()),
       events(std::make_shared<PageEventQueue>()),
-      pad(options.hasPadKeys || options.isSelfTest) {
+      pad(chosen.hasPadKeys || chosen.isSelfTest) {
     window.onModalFrame = [this] { drawFrame(); };
     window.onKey = [this](unsigned key) {
         if (key == VK_F10)

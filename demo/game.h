@@ -22,7 +22,7 @@ namespace demo {
 class Game {
 public:
     /// Opens the window and starts the library.
-    explicit Game(const Options& options);
+    explicit Game(const Options& chosen);
     ~Game();
     Game(const Game&) = delete;
     Game& operator=(const Game&) = delete;

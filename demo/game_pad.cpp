@@ -34,7 +34,7 @@ Function xinputFunction(const char* name) {
 
 }  // namespace
 
-GamePad::GamePad(bool hasKeys) : hasKeys(hasKeys), getState(xinputFunction<GetState>("XInputGetState")) {}
+GamePad::GamePad(bool keysToo) : hasKeys(keysToo), getState(xinputFunction<GetState>("XInputGetState")) {}
 
 void GamePad::poll() {
     const PadState before = state;

@@ -18,7 +18,7 @@ namespace demo {
 class GamePad {
 public:
     /// `hasKeys`: the keyboard stands in for a controller.
-    explicit GamePad(bool hasKeys);
+    explicit GamePad(bool keysToo);
 
     /// Once per frame: reads the controller and tells the page what has changed.
     void poll();

@@ -52,7 +52,7 @@ private:
     void createContext();
 
     struct TimerCloser {
-        void operator()(HANDLE timer) const { CloseHandle(timer); }
+        void operator()(HANDLE handle) const { CloseHandle(handle); }
     };
 
     HWND window = nullptr;

@@ -13,7 +13,7 @@ namespace demo {
 /// effect: whoever calls knows what to wait for.
 class Hands {
 public:
-    explicit Hands(Game& game) : game(game) {}
+    explicit Hands(Game& shown) : game(shown) {}
 
     /// Where everything below goes. False when real input can't reach it.
     bool takeTo(HWND newWindow);

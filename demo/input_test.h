@@ -8,7 +8,7 @@ namespace demo {
 /// The self test's second half: a player at the page. Each step leaves the pages as it found them.
 class InputTest {
 public:
-    explicit InputTest(TestStage& stage) : stage(stage), hands(stage.game) {}
+    explicit InputTest(TestStage& ground) : stage(ground), hands(ground.game) {}
 
     /// On pages/self_test.html, which is in front: its button, its field, its list, its scrolled part.
     void onThePage();

@@ -39,7 +39,7 @@ std::vector<PageEvent> PageEventQueue::takeAll() {
 /// Both delegates in one object. Everything here may run on the engine's thread.
 class PagePanel::Listener : public ZEMO::UI::ZEMOWebViewDelegate, public ZEMO::UI::ZEMOViewDelegate {
 public:
-    Listener(int page, std::shared_ptr<PageEventQueue> events) : page(page), events(std::move(events)) {}
+    Listener(int number, std::shared_ptr<PageEventQueue> queue) : page(number), events(std::move(queue)) {}
 
     void viewDidShow(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::Shown); }
     void viewDidClose(ZEMO::UI::IZEMOView*) override { note(PageEvent::Kind::Closed); }
@@ -69,9 +69,9 @@ private:
     const std::shared_ptr<PageEventQueue> events;
 };
 
-PagePanel::PagePanel(const Settings& settings, std::shared_ptr<PageEventQueue> events)
-    : settings(settings),
-      listener(std::make_shared<Listener>(settings.number, std::move(events))),
+PagePanel::PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> events)
+    : settings(chosen),
+      listener(std::make_shared<Listener>(chosen.number, std::move(events))),
       view(ZEMO::UI::createWebViewDefault()) {
     view->setWebViewDelegate(listener);
     view->setViewDelegate(listener);

@@ -47,7 +47,7 @@ public:
         float height = 0;
     };
 
-    PagePanel(const Settings& settings, std::shared_ptr<PageEventQueue> events);
+    PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> events);
     ~PagePanel();
     PagePanel(const PagePanel&) = delete;
     PagePanel& operator=(const PagePanel&) = delete;

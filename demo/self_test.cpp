@@ -32,7 +32,8 @@ PageSource plainPage(const Colour& c) {
 /// What the game's player would see, as pixels.
 class SelfTest {
 public:
-    SelfTest(Game& game, const Options& options) : stage(game, options), game(game), scale(stage.scale), input(stage) {
+    SelfTest(Game& shown, const Options& options)
+        : stage(shown, options), game(shown), scale(stage.scale), input(stage) {
         game.onSceneDrawn = [this] { readBackBuffer(under); };
         game.onFrameDrawn = [this] { readBackBuffer(drawn); };
     }

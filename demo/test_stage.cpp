@@ -25,8 +25,8 @@ bool isClose(const Colour& a, const Colour& b, int tolerance) {
            std::abs(a.blue - b.blue) <= tolerance && std::abs(a.alpha - b.alpha) <= tolerance;
 }
 
-TestStage::TestStage(Game& game, const Options& options)
-    : game(game), options(options), scale(game.gameWindow().scale()) {
+TestStage::TestStage(Game& shown, const Options& chosen)
+    : game(shown), options(chosen), scale(shown.gameWindow().scale()) {
     game.onPageEvent = [this](const PageEvent& event) {
         ++counts[static_cast<std::size_t>(event.kind)];
         if (event.kind == PageEvent::Kind::Command) commands.push_back(event.text);

@@ -32,7 +32,7 @@ struct Block {
 /// What the self test's parts share: the game, what its pages said, and ways to wait for it. A wait plays the game on.
 class TestStage {
 public:
-    TestStage(Game& game, const Options& options);
+    TestStage(Game& shown, const Options& chosen);
     ~TestStage();
     TestStage(const TestStage&) = delete;
     TestStage& operator=(const TestStage&) = delete;

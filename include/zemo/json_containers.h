@@ -7,6 +7,11 @@
 
 #include "zemo/export.h"
 
+#ifdef _MSC_VER
+#pragma warning(push)
+#pragma warning(disable : 4251)  // standard members of exported classes: one compiler and run time for both sides
+#endif
+
 namespace ZEMO::Core {
 
 /// A JSON object: values of any type by key, ordered by the bytes of the keys.
@@ -51,3 +56,7 @@ public:
 };
 
 }  // namespace ZEMO::Core
+
+#ifdef _MSC_VER
+#pragma warning(pop)
+#endif

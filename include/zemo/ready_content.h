@@ -37,17 +37,17 @@ public:
     /// all headers that the engine had set.
     ZEMOPostContent(const std::string& address, std::string body,
                     std::unordered_map<std::string, std::string> headers = {})
-        : url(address), body(std::move(body)), headers(std::move(headers)) {}
+        : url(address), sentBody(std::move(body)), sentHeaders(std::move(headers)) {}
 
     const ZEMO::Core::IURL& getUrl() const override { return url; }
     int getKind() const override { return kKindPost; }
-    std::unordered_map<std::string, std::string> getHeaders() const override { return headers; }
-    std::string getBody() const override { return body; }
+    std::unordered_map<std::string, std::string> getHeaders() const override { return sentHeaders; }
+    std::string getBody() const override { return sentBody; }
 
 private:
     const ZEMO::Core::URL url;
-    const std::string body;
-    const std::unordered_map<std::string, std::string> headers;
+    const std::string sentBody;
+    const std::unordered_map<std::string, std::string> sentHeaders;
 };
 
 }  // namespace ZEMO::UI

@@ -7,6 +7,11 @@
 
 #include "zemo/export.h"
 
+#ifdef _MSC_VER
+#pragma warning(push)
+#pragma warning(disable : 4251)  // standard members of exported classes: one compiler and run time for both sides
+#endif
+
 namespace ZEMO::Core {
 
 /// An address as scheme, host, port, path, query parameters and fragment.
@@ -114,3 +119,7 @@ private:
 };
 
 }  // namespace ZEMO::Core
+
+#ifdef _MSC_VER
+#pragma warning(pop)
+#endif

@@ -78,25 +78,14 @@ CefString::CefString(const wchar_t* text) { *this = text; }
 CefString::CefString(const std::wstring& text) { FromWString(text); }
 CefString::CefString(const char16_t* text) { *this = text; }
 CefString::CefString(const std::u16string& text) { FromString16(text); }
-CefString::CefString(struct_type* text) {
-    if (text) string_ = text;
-}
 CefString::CefString(const struct_type* text) {
-    if (!text) return;
-    string_ = const_cast<struct_type*>(text);
-    readOnly_ = true;
+    if (text) string_ = const_cast<struct_type*>(text);
 }
 CefString::CefString(const char16_t* text, size_t length, bool copy) { FromString(text, length, copy); }
 
 int CefString::compare(const CefString& other) const { return view().compare(other.view()); }
 
-void CefString::clear() {
-    if (readOnly_) {
-        string_ = &own_;
-        readOnly_ = false;
-    }
-    clearStruct(*string_);
-}
+void CefString::clear() { clearStruct(*string_); }
 
 void CefString::ClearAndFree() {
     clearStruct(own_);
@@ -108,7 +97,7 @@ void CefString::ClearAndFree() {
         }
     }
     string_ = &own_;
-    readOnly_ = owner_ = false;
+    owner_ = false;
 }
 
 void CefString::Attach(struct_type* text, bool owner) {
@@ -120,11 +109,6 @@ void CefString::Attach(struct_type* text, bool owner) {
 
 void CefString::AttachToUserFree(userfree_struct_type text) { Attach(text, true); }
 
-CefString::struct_type* CefString::GetWritableStruct() {
-    if (readOnly_) *this = CefString(*this);
-    return string_;
-}
-
 bool CefString::FromString(const char* utf8, size_t length) { return FromString16(widen(utf8, length)); }
 
 bool CefString::FromString(const char* utf8) { return FromString(utf8, utf8 ? std::strlen(utf8) : 0); }
@@ -135,16 +119,11 @@ bool CefString::FromWString(const wchar_t* text, size_t length) {
 }
 
 bool CefString::FromString(const char16_t* text, size_t length, bool copy) {
-    cef_string_t& target = readOnly_ ? own_ : *string_;
     if (copy) {
-        assignCopy(target, text, length);
+        assignCopy(*string_, text, length);
     } else {
-        clearStruct(target);
-        target = {const_cast<char16_t*>(text), length, nullptr};
-    }
-    if (readOnly_) {
-        string_ = &own_;
-        readOnly_ = false;
+        clearStruct(*string_);
+        *string_ = {const_cast<char16_t*>(text), length, nullptr};
     }
     return true;
 }
@@ -158,6 +137,7 @@ std::wstring CefString::ToWString() const {
 
 std::u16string CefString::ToString16() const { return std::u16string(view()); }
 
+// To itself it keeps its text here; the engine's own string loses it then, so nothing may be built on that.
 CefString& CefString::operator=(const CefString& other) {
     if (this != &other) FromString(other.c_str(), other.length(), true);
     return *this;

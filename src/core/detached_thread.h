@@ -14,9 +14,9 @@ namespace ZEMO::Core {
 template <class Work>
 void runDetached(Work work) {
     std::promise<void> detached;
-    std::thread thread([work = std::move(work), mayStart = detached.get_future()]() mutable {
+    std::thread thread([task = std::move(work), mayStart = detached.get_future()]() mutable {
         mayStart.wait();
-        work();
+        task();
     });
     thread.detach();
     detached.set_value();

@@ -5,11 +5,14 @@
 
 namespace ZEMO::Core {
 
-#if defined(__GNUC__) || defined(__clang__)
-void logDebugA(const char* format, ...) __attribute__((format(gnu_printf, 1, 2)));
+#if defined(__clang__)
+#define ZEMO_PRINTF_LIKE __attribute__((format(printf, 1, 2)))
+#elif defined(__GNUC__)
+#define ZEMO_PRINTF_LIKE __attribute__((format(gnu_printf, 1, 2)))  // `printf` alone would mean the old runtime's
 #else
-void logDebugA(const char* format, ...);
+#define ZEMO_PRINTF_LIKE
 #endif
+void logDebugA(const char* format, ...) ZEMO_PRINTF_LIKE;
 void logDebugW(const wchar_t* format, ...);
 
 }  // namespace ZEMO::Core

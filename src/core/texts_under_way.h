@@ -26,8 +26,8 @@ public:
     /// More than any system's message queue holds.
     static constexpr size_t kMostTexts = 65536;
 
-    explicit TextsUnderWay(IsGone isGone, size_t most = kMostTexts)
-        : isGone(isGone), most(most), nextLook(most < kFewTexts ? most : kFewTexts) {}
+    explicit TextsUnderWay(IsGone goneCheck, size_t atMost = kMostTexts)
+        : isGone(goneCheck), most(atMost), nextLook(atMost < kFewTexts ? atMost : kFewTexts) {}
     TextsUnderWay(const TextsUnderWay&) = delete;
     TextsUnderWay& operator=(const TextsUnderWay&) = delete;
 

@@ -62,7 +62,7 @@ using UniqueCursor = UniqueHandle<HCURSOR, &DestroyCursor>;
 /// The device context of a window, or of the whole screen for a null window. It goes back on the thread that took it.
 class WindowDc {
 public:
-    explicit WindowDc(HWND window) : window(window), dc(GetDC(window)) {}
+    explicit WindowDc(HWND owner) : window(owner), dc(GetDC(owner)) {}
     ~WindowDc() {
         if (!dc) return;
         const DWORD lastError = GetLastError();

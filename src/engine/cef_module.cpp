@@ -188,11 +188,6 @@ void CefModule::engineThreadMain() {
 }
 
 void CefModule::runEngine() {
-    CefSettings settings;
-    settings.no_sandbox = true;
-    settings.multi_threaded_message_loop = false;
-    settings.windowless_rendering_enabled = true;
-
     const std::wstring basePath = Core::libraryBaseDirectory();
     const bool engineLoaded = loadEngineLibrary(basePath);
     try {
@@ -218,6 +213,10 @@ void CefModule::runEngine() {
     // The language text names no pak of its own, also as a locale: the engine then falls back to its default pak.
     const std::wstring languages =
         buildLanguageText(localeName(LOCALE_SISO639LANGNAME), localeName(LOCALE_SISO3166CTRYNAME));
+    CefSettings settings;
+    settings.no_sandbox = true;
+    settings.multi_threaded_message_loop = false;
+    settings.windowless_rendering_enabled = true;
     CefString(&settings.cache_path).FromWString(cachePath);
     CefString(&settings.browser_subprocess_path).FromWString(subprocess);
     CefString(&settings.locales_dir_path).FromWString(basePath + L"\\cefsubprocess\\locales");

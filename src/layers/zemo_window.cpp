@@ -5,16 +5,16 @@
 
 namespace ZEMO::UI {
 
-ZEMOWindow::ZEMOWindow(const char* title, WindowStyle windowStyle, Size size, HWND parentWindow,
-                       bool frameConsumerActive, bool steamDeck, bool steamOverlayActive)
-    : parentWindow(parentWindow),
-      title(title),
-      windowStyle(windowStyle),
+ZEMOWindow::ZEMOWindow(const char* name, WindowStyle style, Size size, HWND parent, bool hasFrameConsumer,
+                       bool onSteamDeck, bool hasSteamOverlay)
+    : parentWindow(parent),
+      title(name),
+      windowStyle(style),
       width(size.width),
       height(size.height),
-      frameConsumerActive(frameConsumerActive),
-      steamDeck(steamDeck),
-      steamOverlayActive(steamOverlayActive) {
+      frameConsumerActive(hasFrameConsumer),
+      steamDeck(onSteamDeck),
+      steamOverlayActive(hasSteamOverlay) {
     if (windowStyle == WindowStyle::Layer) {
         window = parentWindow;
         customCursor = customCursorLoader.load();

@@ -44,8 +44,8 @@ public:
 
     /// size is in logical pixels. In Window style this returns when the window exists (or could not be made: then
     /// getWindowHandle() is null). Throws std::system_error when its thread cannot be started.
-    ZEMOWindow(const char* title, WindowStyle windowStyle, Size size, HWND parentWindow, bool frameConsumerActive,
-               bool steamDeck, bool steamOverlayActive);
+    ZEMOWindow(const char* name, WindowStyle style, Size size, HWND parent, bool hasFrameConsumer, bool onSteamDeck,
+               bool hasSteamOverlay);
     ~ZEMOWindow() override;
     ZEMOWindow(const ZEMOWindow&) = delete;
     ZEMOWindow& operator=(const ZEMOWindow&) = delete;

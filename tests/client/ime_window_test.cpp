@@ -55,8 +55,9 @@ void checkCandidatesAtTheCaret(float scale) {
             return std::sscanf(line.c_str(), "from %d to %d top %d bottom %d", &from, &to, &top, &bottom) == 4;
         });
     }));
+    const auto device = [&](int logical) { return static_cast<float>(logical) * scale; };
     const auto isAt = [&](int logical, LONG px) {
-        return std::abs(logical * scale - static_cast<float>(px)) <= 2 * scale;
+        return std::abs(device(logical) - static_cast<float>(px)) <= 2 * scale;
     };
     const auto placed = [&] {
         const CANDIDATEFORM form = candidateOf(page.window);
@@ -66,8 +67,8 @@ void checkCandidatesAtTheCaret(float scale) {
     const CANDIDATEFORM form = candidateOf(page.window);
     EXPECT_TRUE(isAt(from, form.ptCurrentPos.x)) << form.ptCurrentPos.x << " for " << from;
     EXPECT_TRUE(isAt(to, form.rcArea.right)) << form.rcArea.right << " for " << to;
-    EXPECT_GE(form.rcArea.top, std::lround(top * scale) - 1);
-    EXPECT_LE(form.rcArea.bottom, std::lround(bottom * scale) + 1);
+    EXPECT_GE(form.rcArea.top, std::lround(device(top)) - 1);
+    EXPECT_LE(form.rcArea.bottom, std::lround(device(bottom)) + 1);
     EXPECT_GT(form.rcArea.bottom, form.rcArea.top);
 }
 

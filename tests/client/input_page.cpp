@@ -208,7 +208,8 @@ bool InputPage::onWindowThread(const std::function<void()>& work) {
 }
 
 LPARAM InputPage::at(int x, int y) const {
-    return MAKELPARAM(static_cast<int>(x * scale + 0.999f), static_cast<int>(y * scale + 0.999f));
+    const auto device = [this](int logical) { return static_cast<int>(static_cast<float>(logical) * scale + 0.999f); };
+    return MAKELPARAM(device(x), device(y));
 }
 
 POINT InputPage::onScreen(int x, int y) const {

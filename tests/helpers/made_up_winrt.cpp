@@ -113,7 +113,7 @@ protected:
 
 private:
     struct Details : IToldError {
-        explicit Details(Told& owner) : owner(owner) {}
+        explicit Details(Told& holder) : owner(holder) {}
         Told& owner;
         HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
             return owner.QueryInterface(id, out);

@@ -116,7 +116,7 @@ protected:
 
 private:
     struct Security : IClientSecurity {
-        explicit Security(Services& owner) : owner(owner) {}
+        explicit Security(Services& holder) : owner(holder) {}
         Services& owner;
         HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
             return owner.QueryInterface(id, object);

@@ -26,7 +26,7 @@ using namespace ZEMO::UI;
 using namespace std::chrono_literals;
 using Open = void (*)(const Core::IURL&);
 
-constexpr struct {
+const struct {
     const char* name;
     Open open;
     bool isPrivate;

@@ -60,7 +60,8 @@ TEST(UrlAcrossBoundary, LibrarysUrl_MadeReadAndDeletedThroughItsInterface) {
     EXPECT_EQ(url->getQueryParameters().size(), 2u);
     EXPECT_EQ(url->getPath().size(), 101u);
     EXPECT_NE(dynamic_cast<URL*>(url.get()), nullptr);
-    EXPECT_TRUE(typeid(*url) == typeid(URL));
+    const IURL& object = *url;
+    EXPECT_TRUE(typeid(object) == typeid(URL));
 }
 
 TEST(UrlAcrossBoundary, ClassDerivedInTheGame_HeardByTheLibrary) {

@@ -174,7 +174,11 @@ private:
     void drawClosePixel(int x, int y) {
         const int i = x - (width - closeMargin - closeSize), j = y - closeMargin;
         if (icon.empty() || i < 0 || j < 0 || i >= closeSize || j >= closeSize) return;
-        const float sx = (i + 0.5f) * iconWidth / closeSize - 0.5f, sy = (j + 0.5f) * iconHeight / closeSize - 0.5f;
+        const auto source = [this](int at, int iconSize) {
+            return (static_cast<float>(at) + 0.5f) * static_cast<float>(iconSize) / static_cast<float>(closeSize) -
+                   0.5f;
+        };
+        const float sx = source(i, iconWidth), sy = source(j, iconHeight);
         const int x0 = sx < 0 ? 0 : static_cast<int>(sx), y0 = sy < 0 ? 0 : static_cast<int>(sy);
         const int x1 = std::min(iconWidth - 1, x0 + 1), y1 = std::min(iconHeight - 1, y0 + 1);
         const float fx = sx - std::floor(sx), fy = sy - std::floor(sy);

@@ -527,6 +527,10 @@ template <class T>
 struct Make {
     static T value() { return T{}; }
 };
+template <>
+struct Make<CefString> {
+    static CefString value() { return "text"; }
+};
 template <class X>
 struct Make<CefRefPtr<X>> {
     static CefRefPtr<X> value() {
@@ -595,6 +599,26 @@ TEST_F(CefReferences, EveryFunctionOfTheEngine_CountsWhatItPassesAndReceives) {
     ZEMO_CEF_FUNCTIONS(CALL)
 #undef CALL
     EXPECT_EQ(functions, 59);
+}
+
+TEST_F(CefReferences, EmptyTextThatIsNeeded_CallsNothing) {
+    const cef_binding::Functions before = cef_binding::engine;
+    cef_binding::engine.cef_process_message_create =
+        &Play<decltype(cef_binding::engine.cef_process_message_create)>::withoutSelf;
+    EXPECT_EQ(CefProcessMessage::Create(""), nullptr);
+    EXPECT_NE(CefProcessMessage::Create("name"), nullptr);
+    cef_binding::engine = before;
+    static int calls;
+    calls = 0;
+    auto* c = ground_.object<cef_frame_t>();
+    c->execute_java_script = [](cef_frame_t*, cef_string_t*, cef_string_t*, int32_t) { ++calls; };
+    CefRefPtr<CefFrame> frame = Binding<CefFrame>::take(c);
+    frame->ExecuteJavaScript("", "address", 0);
+    EXPECT_EQ(calls, 0);
+    frame->ExecuteJavaScript("code", "", 0);
+    EXPECT_EQ(calls, 1) << "the address may be empty";
+    frame = nullptr;
+    ground_.expectBalanced("empty text");
 }
 
 TEST_F(CefReferences, FunctionsWithoutAnEngine_AnswerNothing) {

@@ -35,24 +35,24 @@ private:
 /// A view that was made at time 0.
 class RenderOsr : public testing::Test {
 protected:
-    bool paint(CefRenderOSR& osr, PaintElementType type = PET_VIEW, bool drawCloseButton = false) {
-        return osr.paint(drawCloseButton, nullptr, type, {}, page.data(), kWidth, kHeight);
+    bool paint(CefRenderOSR& painted, PaintElementType type = PET_VIEW, bool drawCloseButton = false) {
+        return painted.paint(drawCloseButton, nullptr, type, {}, page.data(), kWidth, kHeight);
     }
     /// The answer at a moment.
-    static bool asksAt(CefRenderOSR& osr, int64_t time) {
+    static bool asksAt(CefRenderOSR& painted, int64_t time) {
         fakeNow = time;
-        return osr.needsRepaint();
+        return painted.needsRepaint();
     }
     /// The rectangle that the next paint of the same page reports, painted at a moment.
-    Rect dirtyOfSamePageAt(CefRenderOSR& osr, int64_t time) {
+    Rect dirtyOfSamePageAt(CefRenderOSR& painted, int64_t time) {
         fakeNow = time;
-        paint(osr);
+        paint(painted);
         return consumer.last().dirty;
     }
     /// Shown once, and the first refresh asked for.
-    void begin(CefRenderOSR& osr) {
-        paint(osr);
-        EXPECT_TRUE(osr.needsRepaint());
+    void begin(CefRenderOSR& painted) {
+        paint(painted);
+        EXPECT_TRUE(painted.needsRepaint());
     }
 
     const FakeClock clock;  // before the view

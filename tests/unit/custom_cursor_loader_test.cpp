@@ -407,7 +407,7 @@ TEST_F(CustomCursor, EveryHeaderByteDamaged_SomeCursorAndNoCrash) {
     directory.write(kPng, goodPng());
     const Bytes cur = goodCur();
     for (size_t offset = 0; offset < 62; ++offset) {
-        for (const uint8_t value : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
+        for (const uint8_t value : Bytes{0x00, 0x01, 0x7F, 0x80, 0xFF}) {
             Bytes damaged = cur;
             damaged[offset] = value;
             directory.write(kCur, damaged);

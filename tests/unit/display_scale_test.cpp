@@ -98,8 +98,9 @@ void probeOtherScale(int awareness) {
     const ProbeWindow window;
     for (const UINT dpi : {120u, 144u, 240u}) {
         dpiOfWindows = dpi;
-        check(dpi / 96.0f != systemScale(), "a scale that the system does not have");
-        check(getWindowScale(window.get()) == (perMonitor ? dpi / 96.0f : systemScale()), "scale of this window");
+        const float scale = static_cast<float>(dpi) / 96.0f;
+        check(scale != systemScale(), "a scale that the system does not have");
+        check(getWindowScale(window.get()) == (perMonitor ? scale : systemScale()), "scale of this window");
         check(askedFor == (perMonitor ? window.get() : nullptr), "asked for this window");
         check(getWindowScale(nullptr) == systemScale(), "system scale without a window");
     }

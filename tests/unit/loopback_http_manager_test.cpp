@@ -258,12 +258,12 @@ TEST_F(LoopbackHttp, ThousandRequestsInARow_EachAnsweredAndNoneLeft) {
 }
 
 TEST_F(LoopbackHttp, ManyIdentifiers_EveryDigitAtEveryPlace) {
-    std::set<char> seen[16];
+    std::set<char> digits[16];
     for (int i = 0; i < 1000; ++i) {
         const std::string id = add("x");
-        for (std::size_t place = 0; place < 16; ++place) seen[place].insert(id[place]);
+        for (std::size_t place = 0; place < 16; ++place) digits[place].insert(id[place]);
     }
-    for (const auto& digits : seen) EXPECT_EQ(digits.size(), 16u);
+    for (const auto& atPlace : digits) EXPECT_EQ(atPlace.size(), 16u);
     EXPECT_EQ(Peer::pendingCount(*manager), 1000u);
 }
 

@@ -87,7 +87,7 @@ int WSAAPI notedBind(SOCKET handle, const sockaddr* name, int size) {
     EXPECT_EQ(handle, 77u);
     EXPECT_EQ(size, static_cast<int>(sizeof(sockaddr_in)));
     EXPECT_EQ(address->sin_family, AF_INET);
-    EXPECT_EQ(address->sin_addr.s_addr, inet_addr("127.0.0.1"));
+    EXPECT_EQ(address->sin_addr.s_addr, htonl(INADDR_LOOPBACK));
     EXPECT_EQ(address->sin_port, 0);
     return answer("bind", SOCKET_ERROR);
 }

@@ -15,7 +15,7 @@ namespace ZEMO::UI::test {
 /// the test's, so that the answer can be followed as well. All other messages take their usual way.
 class DefaultProcedureWatch {
 public:
-    explicit DefaultProcedureWatch(HWND window) : window(window) {
+    explicit DefaultProcedureWatch(HWND watchedWindow) : window(watchedWindow) {
         {
             const std::lock_guard lock(access());
             current() = this;

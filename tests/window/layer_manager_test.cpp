@@ -18,8 +18,8 @@ using Lines = std::vector<std::string>;
 /// A layer that only writes down what the manager tells it; the native window's part has its own tests.
 class PlainLayer : public ILayer {
 public:
-    PlainLayer(std::string name, std::shared_ptr<Journal> journal)
-        : name(std::move(name)), journal(std::move(journal)) {}
+    PlainLayer(std::string ownName, std::shared_ptr<Journal> sharedJournal)
+        : name(std::move(ownName)), journal(std::move(sharedJournal)) {}
     ~PlainLayer() override {
         if (duringDestruction) duringDestruction();
     }

@@ -185,9 +185,9 @@ SubclassedGame::~SubclassedGame() {
     ZEMOMultiLayerManager::instance().setMainWindow(nullptr);
 }
 
-RecordingLayer::RecordingLayer(const Options& o, std::shared_ptr<Journal> journal)
+RecordingLayer::RecordingLayer(const Options& o, std::shared_ptr<Journal> sharedJournal)
     : ZEMOWindow(o.title, o.style, o.size, o.parent, o.frameConsumerActive, o.steamDeck, o.steamOverlayActive),
-      journal(std::move(journal)) {}
+      journal(std::move(sharedJournal)) {}
 
 RecordingLayer::~RecordingLayer() { journal->add(text("destroyed on thread %lu", GetCurrentThreadId())); }
 

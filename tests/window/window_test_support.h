@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/log.h"
 #include "layers/layer_manager.h"
 #include "layers/zemo_window.h"
 
@@ -149,7 +150,7 @@ private:
     std::function<void(const std::string&)> listener;
 };
 
-std::string text(const char* format, ...) __attribute__((format(gnu_printf, 1, 2)));
+std::string text(const char* format, ...) ZEMO_PRINTF_LIKE;
 /// As the recording layer writes them.
 std::string moveLine(int x, int y, WPARAM keys);
 

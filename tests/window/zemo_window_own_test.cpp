@@ -42,11 +42,11 @@ public:
 /// size, a mouse that passes) come at any time.
 class OwnLayer : public RecordingLayer {
 public:
-    OwnLayer(const Options& options, std::shared_ptr<Journal> everything, std::shared_ptr<Journal> sent)
-        : RecordingLayer(options, everything), everything(std::move(everything)), sent(std::move(sent)) {
+    OwnLayer(const Options& options, std::shared_ptr<Journal> allLines, std::shared_ptr<Journal> sentLines)
+        : RecordingLayer(options, allLines), everything(std::move(allLines)), sent(std::move(sentLines)) {
         setListener([this](const std::string& line) {
-            this->everything->add(line);
-            if (InSendMessageEx(nullptr) & ISMEX_SEND) this->sent->add(line);
+            everything->add(line);
+            if (InSendMessageEx(nullptr) & ISMEX_SEND) sent->add(line);
         });
     }
 

@@ -260,7 +260,9 @@ class Binder:
         c_result, _, take = self.result(kind, where)
         self.check(where, function, c_types, c_result)
         arguments = ', '.join(([self_argument] if self_argument else []) + [a for step in steps for a in step.args])
-        out = [f'    if (!{missing}) return{"" if c_result == "void" else " {}"};']
+        refused = [f'!{missing}'] + [f'{p.name}.empty()' for p in method.parameters
+                                     if p.kind == 'const CefString&' and p.name not in method.optional]
+        out = [f'    if ({" || ".join(refused)}) return{"" if c_result == "void" else " {}"};']
         out += [f'    {line}' for step in steps for line in step.before]
         after = [f'    {line}' for step in steps for line in step.after]
         call = f'{target}({arguments})'

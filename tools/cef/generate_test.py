@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""A class header that does not fit the engine's description must stop the generator.
+"""A class header that does not fit the engine's description must stop the generator, and the engine's library must be found
+to export each function that the description has.
 
 Usage: generate_test.py PACKAGE INCLUDE
 """
@@ -8,6 +9,9 @@ import shutil
 import subprocess
 import sys
 import tempfile
+
+from description import Description
+from export_list import exports
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 # file, what stands there, what replaces it, what the message must name
@@ -22,6 +26,7 @@ FAULTS = [
     ('cef_task.h', 'bool CefPostTask(', 'bool CefPostTasks(', 'the engine has no function cef_post_tasks'),
     ('cef_task.h', '//@client\nclass CefTask', 'class CefTask', 'class CefTask has no declaration with a marker'),
     ('cef_task.h', '//@client', '//@clients', 'unknown marker clients'),
+    ('cef_frame.h', '//@optional script_url', '//@optional scripts', 'CefFrame::ExecuteJavaScript: no parameter scripts'),
     ('cef_callback.h', '//@capi cont\n', '', 'cef_callback_t has no continue'),
 ]
 
@@ -52,6 +57,11 @@ def main():
             if result.returncode == 0 or message not in result.stderr or os.path.exists(out):
                 failed += 1
                 print(f'{name}: {old!r} -> {new!r}: expected {message!r}, got {result.returncode} {result.stderr!r}')
+    with open(os.path.join(package, 'runtime', 'libcef.dll'), 'rb') as file:
+        unknown = set(Description(package).functions) - set(exports(file.read()))
+    if unknown:
+        failed += 1
+        print(f'not exported: {sorted(unknown)}')
     print(f'{len(FAULTS) - failed} of {len(FAULTS)} faults were refused')
     sys.exit(1 if failed else 0)
 

@@ -6,6 +6,7 @@ A marker comment precedes each declaration that crosses to the engine:
   //@scoped     engine class without references, alive during one call only
   //@function   global function
   //@capi NAME  before an operation: its C name, where it does not follow from the C++ name
+  //@optional NAMES  after these: parameters whose text may be empty; with another one empty nothing is called
 """
 import os
 import re
@@ -32,9 +33,13 @@ class Parameter:
 
 
 class Method:
-    def __init__(self, owner, name, result, parameters, static, capi):
+    def __init__(self, owner, name, result, parameters, static, capi, optional):
         self.owner, self.name, self.result, self.parameters, self.static = owner, name, result, parameters, static
         self.capi = capi or c_name(name)
+        self.optional = (optional or '').split()
+        strange = set(self.optional) - {p.name for p in parameters}
+        if strange:
+            raise Error(f'{self}: no parameter {", ".join(sorted(strange))}')
 
     def __str__(self):
         return f'{self.owner.name}::{self.name}' if self.owner else self.name
@@ -100,11 +105,11 @@ class Interface:
                 raise Error(f'{header}: unknown marker {match.group(1)}')
 
     def _read_function(self, text, header):
-        match = re.match(r'([\w:<>*& ]+?)\s*\b(Cef\w+)\(([^)]*)\);', text)
+        match = re.match(r'(?://@optional ([\w ]+)\n)?([\w:<>*& ]+?)\s*\b(Cef\w+)\(([^)]*)\);', text)
         if not match:
             raise Error(f'{header}: no function after the marker')
-        name = match.group(2)
-        method = Method(None, name, match.group(1).strip(), _parameters(match.group(3), name), True, None)
+        optional, result, name, parameters = match.groups()
+        method = Method(None, name, result.strip(), _parameters(parameters, name), True, None, optional)
         method.header = header
         self.functions.append(method)
 
@@ -116,11 +121,12 @@ class Interface:
         body = match.group(4) or ''
         for kind, name in re.findall(r'typedef ([^;]+?)\s+(\w+);', body):
             cls.typedefs[name] = kind
-        pattern = re.compile(r'(?://@capi (\w+)\s+)?\b(virtual|static)\s+([^;{}()]+?)\s*\b(\w+)\(([^()]*)\)\s*(?:= 0;|;|\{[^}]*\})', re.S)
+        pattern = re.compile(r'(?://@capi (\w+)\s+)?(?://@optional ([\w ]+)\n\s*)?\b(virtual|static)\s+([^;{}()]+?)\s*\b(\w+)\(([^()]*)\)\s*(?:= 0;|;|\{[^}]*\})', re.S)
         for found in pattern.finditer(body):
-            capi, kind, result, name, parameters = found.groups()
+            capi, optional, kind, result, name, parameters = found.groups()
             result = re.sub(r'\s+', ' ', result).replace(' *', '*').strip()
-            cls.methods.append(Method(cls, name, result, _parameters(parameters, f'{cls.name}::{name}'), kind == 'static', capi))
+            cls.methods.append(Method(cls, name, result, _parameters(parameters, f'{cls.name}::{name}'),
+                                      kind == 'static', capi, optional))
         declared = len(re.findall(r'\b(?:virtual|static)\b', body))
         if declared != len(cls.methods):
             raise Error(f'{header}: {cls.name} declares {declared} operations, {len(cls.methods)} were understood')

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "include/cef_base.h"
+#include "include/cef_drag_data.h"
 #include "include/cef_frame.h"
 #include "include/cef_request_context.h"
-#include "include/internal/cef_passed_by.h"
 
 class CefBrowserHost;
 class CefClient;
@@ -29,6 +29,7 @@ public:
     virtual CefRefPtr<CefFrame> GetMainFrame() = 0;
     virtual CefRefPtr<CefFrame> GetFocusedFrame() = 0;
     virtual CefRefPtr<CefFrame> GetFrameByIdentifier(const CefString& identifier) = 0;
+    //@optional name
     virtual CefRefPtr<CefFrame> GetFrameByName(const CefString& name) = 0;
     virtual size_t GetFrameCount() = 0;
     virtual void GetFrameIdentifiers(std::vector<CefString>& identifiers) = 0;
@@ -43,9 +44,11 @@ public:
     typedef cef_mouse_button_type_t MouseButtonType;
     typedef cef_paint_element_type_t PaintElementType;
 
+    //@optional url
     static bool CreateBrowser(const CefWindowInfo& windowInfo, CefRefPtr<CefClient> client, const CefString& url,
                               const CefBrowserSettings& settings, CefRefPtr<CefDictionaryValue> extra_info,
                               CefRefPtr<CefRequestContext> request_context);
+    //@optional url
     static CefRefPtr<CefBrowser> CreateBrowserSync(const CefWindowInfo& windowInfo, CefRefPtr<CefClient> client,
                                                    const CefString& url, const CefBrowserSettings& settings,
                                                    CefRefPtr<CefDictionaryValue> extra_info,
@@ -97,8 +100,10 @@ public:
     virtual void NotifyMoveOrResizeStarted() = 0;
     virtual int GetWindowlessFrameRate() = 0;
     virtual void SetWindowlessFrameRate(int frame_rate) = 0;
+    //@optional text
     virtual void ImeSetComposition(const CefString& text, const std::vector<CefCompositionUnderline>& underlines,
                                    const CefRange& replacement_range, const CefRange& selection_range) = 0;
+    //@optional text
     virtual void ImeCommitText(const CefString& text, const CefRange& replacement_range, int relative_cursor_pos) = 0;
     virtual void ImeFinishComposingText(bool keep_selection) = 0;
     virtual void ImeCancelComposition() = 0;

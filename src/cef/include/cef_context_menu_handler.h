@@ -11,6 +11,10 @@ public:
     virtual void Cancel() = 0;
 };
 
+/// Known by name only: nothing here makes one or looks into one.
+//@engine
+class CefRunQuickMenuCallback : public virtual CefBaseRefCounted {};
+
 //@engine
 class CefContextMenuParams : public virtual CefBaseRefCounted {
 public:

@@ -30,6 +30,7 @@ public:
     virtual bool VisitAllCookies(CefRefPtr<CefCookieVisitor> visitor) = 0;
     virtual bool VisitUrlCookies(const CefString& url, bool includeHttpOnly, CefRefPtr<CefCookieVisitor> visitor) = 0;
     virtual bool SetCookie(const CefString& url, const CefCookie& cookie, CefRefPtr<CefSetCookieCallback> callback) = 0;
+    //@optional url cookie_name
     virtual bool DeleteCookies(const CefString& url, const CefString& cookie_name,
                                CefRefPtr<CefDeleteCookiesCallback> callback) = 0;
     virtual bool FlushStore(CefRefPtr<CefCompletionCallback> callback) = 0;

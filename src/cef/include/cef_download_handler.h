@@ -7,6 +7,7 @@
 class CefBeforeDownloadCallback : public virtual CefBaseRefCounted {
 public:
     //@capi cont
+    //@optional download_path
     virtual void Continue(const CefString& download_path, bool show_dialog) = 0;
 };
 

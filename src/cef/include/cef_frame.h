@@ -27,6 +27,7 @@ public:
     virtual void GetText(CefRefPtr<CefStringVisitor> visitor) = 0;
     virtual void LoadRequest(CefRefPtr<CefRequest> request) = 0;
     virtual void LoadURL(const CefString& url) = 0;
+    //@optional script_url
     virtual void ExecuteJavaScript(const CefString& code, const CefString& script_url, int start_line) = 0;
     virtual bool IsMain() = 0;
     virtual bool IsFocused() = 0;

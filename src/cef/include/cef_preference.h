@@ -2,7 +2,10 @@
 
 #include "include/cef_base.h"
 #include "include/cef_values.h"
-#include "include/internal/cef_passed_by.h"
+
+/// Known by name only: nothing here makes one or looks into one.
+//@scoped
+class CefPreferenceRegistrar : public CefBaseScoped {};
 
 //@engine
 class CefPreferenceManager : public virtual CefBaseRefCounted {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "include/cef_accessibility_handler.h"
 #include "include/cef_browser.h"
+#include "include/cef_drag_data.h"
 
 /// Pictures of a windowless browser, on the UI thread.
 //@client

@@ -19,6 +19,7 @@ public:
     virtual void SetURL(const CefString& url) = 0;
     virtual CefString GetMethod() = 0;
     virtual void SetMethod(const CefString& method) = 0;
+    //@optional referrer_url
     virtual void SetReferrer(const CefString& referrer_url, ReferrerPolicy policy) = 0;
     virtual CefString GetReferrerURL() = 0;
     virtual ReferrerPolicy GetReferrerPolicy() = 0;
@@ -27,12 +28,14 @@ public:
     virtual void GetHeaderMap(HeaderMap& headerMap) = 0;
     virtual void SetHeaderMap(const HeaderMap& headerMap) = 0;
     virtual CefString GetHeaderByName(const CefString& name) = 0;
+    //@optional value
     virtual void SetHeaderByName(const CefString& name, const CefString& value, bool overwrite) = 0;
     virtual void Set(const CefString& url, const CefString& method, CefRefPtr<CefPostData> postData,
                      const HeaderMap& headerMap) = 0;
     virtual int GetFlags() = 0;
     virtual void SetFlags(int flags) = 0;
     virtual CefString GetFirstPartyForCookies() = 0;
+    //@optional url
     virtual void SetFirstPartyForCookies(const CefString& url) = 0;
     virtual ResourceType GetResourceType() = 0;
     virtual TransitionType GetTransitionType() = 0;

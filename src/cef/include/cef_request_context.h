@@ -3,7 +3,7 @@
 #include "include/cef_callback.h"
 #include "include/cef_cookie.h"
 #include "include/cef_preference.h"
-#include "include/internal/cef_passed_by.h"
+#include "include/cef_request_context_handler.h"
 
 class CefSchemeHandlerFactory;
 
@@ -18,6 +18,7 @@ public:
     virtual bool IsGlobal() = 0;
     virtual CefString GetCachePath() = 0;
     virtual CefRefPtr<CefCookieManager> GetCookieManager(CefRefPtr<CefCompletionCallback> callback) = 0;
+    //@optional domain_name
     virtual bool RegisterSchemeHandlerFactory(const CefString& scheme_name, const CefString& domain_name,
                                               CefRefPtr<CefSchemeHandlerFactory> factory) = 0;
     virtual bool ClearSchemeHandlerFactories() = 0;

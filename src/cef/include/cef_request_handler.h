@@ -4,7 +4,13 @@
 #include "include/cef_browser.h"
 #include "include/cef_callback.h"
 #include "include/cef_resource_request_handler.h"
+#include "include/cef_ssl_info.h"
 #include "include/cef_unresponsive_process_callback.h"
+#include "include/cef_x509_certificate.h"
+
+/// Known by name only: nothing here makes one or looks into one.
+//@engine
+class CefSelectClientCertificateCallback : public virtual CefBaseRefCounted {};
 
 /// Navigation and the page's process, on the UI thread; GetResourceRequestHandler and GetAuthCredentials on the IO
 /// thread.

@@ -4,6 +4,11 @@
 #include "include/cef_callback.h"
 #include "include/cef_resource_handler.h"
 #include "include/cef_response.h"
+#include "include/cef_response_filter.h"
+
+/// Known by name only: nothing here makes one or looks into one.
+//@client
+class CefCookieAccessFilter : public virtual CefBaseRefCounted {};
 
 /// What becomes of one request, on the IO thread.
 //@client

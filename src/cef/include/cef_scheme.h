@@ -19,6 +19,7 @@ public:
 };
 
 //@function
+//@optional domain_name
 bool CefRegisterSchemeHandlerFactory(const CefString& scheme_name, const CefString& domain_name,
                                      CefRefPtr<CefSchemeHandlerFactory> factory);
 //@function

@@ -4,7 +4,6 @@
 #include "include/cef_browser.h"
 #include "include/cef_frame.h"
 #include "include/cef_task.h"
-#include "include/internal/cef_passed_by.h"
 
 // Scripts of a page: only in the page's own process, only on its main thread.
 
@@ -14,6 +13,13 @@ class CefV8StackFrame;
 class CefV8Value;
 
 typedef std::vector<CefRefPtr<CefV8Value>> CefV8ValueList;
+
+/// Known by name only: nothing here makes one or looks into one.
+//@client
+class CefV8Accessor : public virtual CefBaseRefCounted {};
+/// Known by name only: nothing here makes one or looks into one.
+//@client
+class CefV8Interceptor : public virtual CefBaseRefCounted {};
 
 //@engine
 class CefV8Context : public virtual CefBaseRefCounted {
@@ -29,6 +35,7 @@ public:
     virtual bool Enter() = 0;
     virtual bool Exit() = 0;
     virtual bool IsSame(CefRefPtr<CefV8Context> that) = 0;
+    //@optional script_url
     virtual bool Eval(const CefString& code, const CefString& script_url, int start_line, CefRefPtr<CefV8Value>& retval,
                       CefRefPtr<CefV8Exception>& exception) = 0;
 };
@@ -88,6 +95,7 @@ public:
     static CefRefPtr<CefV8Value> CreateUInt(uint32_t value);
     static CefRefPtr<CefV8Value> CreateDouble(double value);
     static CefRefPtr<CefV8Value> CreateDate(CefBaseTime date);
+    //@optional value
     static CefRefPtr<CefV8Value> CreateString(const CefString& value);
     static CefRefPtr<CefV8Value> CreateObject(CefRefPtr<CefV8Accessor> accessor,
                                               CefRefPtr<CefV8Interceptor> interceptor);
@@ -122,18 +130,22 @@ public:
     virtual bool WillRethrowExceptions() = 0;
     virtual bool SetRethrowExceptions(bool rethrow) = 0;
     //@capi has_value_bykey
+    //@optional key
     virtual bool HasValue(const CefString& key) = 0;
     //@capi has_value_byindex
     virtual bool HasValue(int index) = 0;
     //@capi delete_value_bykey
+    //@optional key
     virtual bool DeleteValue(const CefString& key) = 0;
     //@capi delete_value_byindex
     virtual bool DeleteValue(int index) = 0;
     //@capi get_value_bykey
+    //@optional key
     virtual CefRefPtr<CefV8Value> GetValue(const CefString& key) = 0;
     //@capi get_value_byindex
     virtual CefRefPtr<CefV8Value> GetValue(int index) = 0;
     //@capi set_value_bykey
+    //@optional key
     virtual bool SetValue(const CefString& key, CefRefPtr<CefV8Value> value, PropertyAttribute attribute) = 0;
     //@capi set_value_byindex
     virtual bool SetValue(int index, CefRefPtr<CefV8Value> value) = 0;

@@ -31,6 +31,7 @@ public:
     virtual bool SetBool(bool value) = 0;
     virtual bool SetInt(int value) = 0;
     virtual bool SetDouble(double value) = 0;
+    //@optional value
     virtual bool SetString(const CefString& value) = 0;
     virtual bool SetBinary(CefRefPtr<CefBinaryValue> value) = 0;
     virtual bool SetDictionary(CefRefPtr<CefDictionaryValue> value) = 0;
@@ -82,6 +83,7 @@ public:
     virtual bool SetBool(const CefString& key, bool value) = 0;
     virtual bool SetInt(const CefString& key, int value) = 0;
     virtual bool SetDouble(const CefString& key, double value) = 0;
+    //@optional value
     virtual bool SetString(const CefString& key, const CefString& value) = 0;
     virtual bool SetBinary(const CefString& key, CefRefPtr<CefBinaryValue> value) = 0;
     virtual bool SetDictionary(const CefString& key, CefRefPtr<CefDictionaryValue> value) = 0;
@@ -116,6 +118,7 @@ public:
     virtual bool SetBool(size_t index, bool value) = 0;
     virtual bool SetInt(size_t index, int value) = 0;
     virtual bool SetDouble(size_t index, double value) = 0;
+    //@optional value
     virtual bool SetString(size_t index, const CefString& value) = 0;
     virtual bool SetBinary(size_t index, CefRefPtr<CefBinaryValue> value) = 0;
     virtual bool SetDictionary(size_t index, CefRefPtr<CefDictionaryValue> value) = 0;

@@ -6,7 +6,7 @@
 #include <utility>
 
 // Deprecated for want of a better error report, which nobody needs here, and without a successor that throws.
-#if defined(__GNUC__)
+#if defined(__GNUC__) || defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 #elif defined(_MSC_VER)
@@ -42,6 +42,6 @@ std::wstring utf8ToWide(const std::string& text) {
 
 }  // namespace ZEMO::Core
 
-#if defined(__GNUC__)
+#if defined(__GNUC__) || defined(__clang__)
 #pragma GCC diagnostic pop
 #endif

@@ -54,7 +54,7 @@ void pinServer(IUnknown* object);
 template <class Factory>
 class RuntimeFactory {
 public:
-    explicit constexpr RuntimeFactory(const wchar_t* className) : className(className) {}
+    explicit constexpr RuntimeFactory(const wchar_t* name) : className(name) {}
     RuntimeFactory(const RuntimeFactory&) = delete;
     RuntimeFactory& operator=(const RuntimeFactory&) = delete;
 

@@ -51,7 +51,7 @@ public:
     /// Null when there is no thread for it.
     static std::unique_ptr<Caller> start(DuplicateFunction duplicate) {
         auto caller = std::make_unique<Caller>();
-        const bool runs = tryDetached([desk = caller->desk, duplicate] { work(*desk, duplicate); });
+        const bool runs = tryDetached([shared = caller->desk, duplicate] { work(*shared, duplicate); });
         return runs ? std::move(caller) : nullptr;
     }
     Caller() = default;

@@ -11,7 +11,13 @@ constexpr cef_color_t kBlack = 0xFF000000;
 constexpr cef_color_t kTransparent = 0;
 
 CefCompositionUnderline line(uint32_t from, uint32_t to, bool thick) {
-    return {CefRange(from, to), kBlack, kTransparent, thick, CEF_CUS_SOLID};
+    CefCompositionUnderline underline;
+    underline.range = CefRange(from, to);
+    underline.color = kBlack;
+    underline.background_color = kTransparent;
+    underline.thick = thick;
+    underline.style = CEF_CUS_SOLID;
+    return underline;
 }
 
 bool isTarget(uint8_t attribute) { return attribute == ATTR_TARGET_CONVERTED || attribute == ATTR_TARGET_NOTCONVERTED; }

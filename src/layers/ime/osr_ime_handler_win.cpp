@@ -16,7 +16,7 @@ constexpr uint16_t kEnglishUnitedStates = 0x0409;
 
 }  // namespace
 
-OsrImeHandlerWin::OsrImeHandlerWin(HWND window) : window(window) {}
+OsrImeHandlerWin::OsrImeHandlerWin(HWND imeWindow) : window(imeWindow) {}
 
 OsrImeHandlerWin::~OsrImeHandlerWin() {
     // The caret is the thread's: on any other one this would be somebody else's, and the window's went with it.

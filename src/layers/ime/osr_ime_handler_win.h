@@ -17,7 +17,7 @@ namespace ZEMO::UI {
 /// context does nothing when there is none.
 class OsrImeHandlerWin {
 public:
-    explicit OsrImeHandlerWin(HWND window);
+    explicit OsrImeHandlerWin(HWND imeWindow);
     virtual ~OsrImeHandlerWin();
     /// The window gets its default input context back.
     virtual void enableIme();

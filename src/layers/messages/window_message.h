@@ -11,8 +11,8 @@ namespace ZEMO::UI {
 class WindowMessage {
 public:
     /// `clientOf` is the window whose client area the cursor point refers to.
-    WindowMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, HWND clientOf)
-        : hwnd(hwnd), message(message), wParam(wParam), lParam(lParam), clientOf(clientOf) {}
+    WindowMessage(HWND window, UINT number, WPARAM first, LPARAM second, HWND clientWindow)
+        : hwnd(window), message(number), wParam(first), lParam(second), clientOf(clientWindow) {}
 
     const HWND hwnd;
     const UINT message;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "cef/engine_library.h"
 #include "core/process_end.h"
 #include "engine/client/create_browser_task.h"
 #include "engine/client/script/javascript_processor.h"
@@ -48,7 +49,8 @@ WebLayer::~WebLayer() {
 }
 
 void WebLayer::createBrowser(const std::string& address) {
-    if (Core::isProcessEnding()) return;  // the engine may be gone
+    // The engine may be gone. One that was never found would not give the task back, and with it the view.
+    if (Core::isProcessEnding() || !cefLibraryModule()) return;
     browserRequested = CefPostTask(TID_UI, new CreateBrowserTask(getViewWindowHandle(), adapter.get(), address));
     if (browserRequested && isRefusedAddress(address)) adapter->reportRefusedAddress(address);
 }

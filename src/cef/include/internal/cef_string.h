@@ -27,9 +27,7 @@ public:
     CefString(const std::wstring& text);
     CefString(const char16_t* text);
     CefString(const std::u16string& text);
-    /// Refers to `text` without taking it over: assigning to this string assigns to `text`.
-    CefString(struct_type* text);
-    /// Refers to `text`, which is only read: assigning to this string leaves `text` alone.
+    /// Refers to `text` without taking it over: assigning to this string assigns to `text`, also to a constant one.
     CefString(const struct_type* text);
     /// Copies the characters, or refers to them, which then must live longer than this string.
     CefString(const char16_t* text, size_t length, bool copy);
@@ -43,8 +41,8 @@ public:
     int compare(const CefString& other) const;
 
     void clear();
-    bool IsOwner() const { return string_ == &own_ || owner_; }
-    bool IsReferencing() const { return string_ != &own_; }
+    /// Whether it has characters of its own, or a structure that it gives back.
+    bool IsOwner() const { return owner_ || own_.str; }
     /// Drops this string's hold on a structure and makes it empty.
     void ClearAndFree();
     void Attach(struct_type* text, bool owner);
@@ -52,7 +50,7 @@ public:
     /// The structure for a call that only reads it.
     const struct_type* GetStruct() const { return string_; }
     /// The structure for a call that may write it.
-    struct_type* GetWritableStruct();
+    struct_type* GetWritableStruct() { return string_; }
 
     bool FromString(const char* utf8, size_t length);
     bool FromString(const std::string& utf8) { return FromString(utf8.data(), utf8.size()); }
@@ -91,6 +89,5 @@ private:
 
     struct_type own_{};
     struct_type* string_ = &own_;  // own_, or a structure that is referred to
-    bool readOnly_ = false;        // the structure that is referred to must not be written
     bool owner_ = false;           // the structure that is referred to came from the engine's heap and is given back
 };

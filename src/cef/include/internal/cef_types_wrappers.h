@@ -54,7 +54,9 @@ public:
         constexpr uint32_t kNone = (std::numeric_limits<uint32_t>::max)();
         return CefRange(kNone, kNone);
     }
-    void Set(uint32_t fromValue, uint32_t toValue) { from = fromValue, to = toValue; }
+    void Set(int fromValue, int toValue) {
+        from = static_cast<uint32_t>(fromValue), to = static_cast<uint32_t>(toValue);
+    }
 };
 inline bool operator==(const CefRange& a, const CefRange& b) { return a.from == b.from && a.to == b.to; }
 
@@ -109,9 +111,6 @@ public:
 class CefCompositionUnderline : public CefPlainStruct<cef_composition_underline_t> {
 public:
     using CefPlainStruct::CefPlainStruct;
-    CefCompositionUnderline(const cef_range_t& range, cef_color_t color, cef_color_t backgroundColor, bool thick,
-                            cef_composition_underline_style_t style = CEF_CUS_SOLID)
-        : CefPlainStruct(cef_composition_underline_t{range, color, backgroundColor, thick, style}) {}
 };
 class CefMainArgs : public CefPlainStruct<cef_main_args_t> {
 public:

@@ -9,8 +9,10 @@ typedef HCURSOR cef_cursor_handle_t;
 
 class CefWindowInfo : public CefStructBase<cef_window_info_t> {
 public:
-    using CefStructBase::CefStructBase;
-    using CefStructBase::operator=;
+    CefWindowInfo() = default;
+    explicit CefWindowInfo(const cef_window_info_t& r) : CefStructBase(r) {}
+    explicit CefWindowInfo(const CefWindowInfo& r) : CefStructBase(r) {}
+    CefWindowInfo& operator=(const CefWindowInfo&) = default;
 
     void SetAsChild(CefWindowHandle parent, const CefRect& windowBounds) {
         style = WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_TABSTOP | WS_VISIBLE;

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "include/cef_base.h"
+
+/// Known by name only: nothing here makes one or looks into one.
+//@client
+class CefFindHandler : public virtual CefBaseRefCounted {};
