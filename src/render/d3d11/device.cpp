@@ -98,7 +98,7 @@ void Device::scaleCloseButton() {
 std::shared_ptr<SwapChain> Device::createSwapChain(HWND target, int width, int height) {
     if (target) window = target;
     scaleCloseButton();
-    takeClientSize(target, width, height);
+    takeClientSize(window, width, height);
     const auto from = adapter();
     IDXGIFactory1* found = nullptr;
     if (!from || FAILED(from->GetParent(IID_PPV_ARGS(&found)))) return {};

@@ -12,7 +12,7 @@ inline void drawTextured(Device& device, std::shared_ptr<Effect>& effect, Geomet
     quad.bind(context);
     effect->bind(context);
     texture.bind(context);
-    quad.draw();
+    if (effect->canDraw()) quad.draw();
 }
 
 }  // namespace ZEMO::UI::D3D11

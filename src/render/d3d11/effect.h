@@ -4,7 +4,7 @@
 
 namespace ZEMO::UI::D3D11 {
 
-/// A pair of shaders with the layout of their vertices; what could not be made is empty and draws nothing. Render
+/// A pair of shaders with the layout of their vertices; what could not be made is empty. Render
 /// thread, but for the destructor.
 class Effect {
 public:
@@ -13,6 +13,8 @@ public:
         : vertexShader(std::move(vertices)), pixelShader(std::move(pixels)), inputLayout(std::move(layout)) {}
 
     void bind(const SharedContext& current);
+    /// Whether something would show. A draw without a shader must show nothing, and not every driver survives it.
+    bool canDraw() const { return vertexShader && pixelShader && inputLayout; }
 
 private:
     std::shared_ptr<ID3D11VertexShader> vertexShader;
