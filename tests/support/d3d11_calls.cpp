@@ -38,6 +38,8 @@ struct State {
     PresentedPicture picture;
     size_t presents = 0;
     ID3D11Device* device = nullptr;
+    void* mapMemory = nullptr;
+    uint32_t mapPitch = 0;
 };
 
 State& state() {
@@ -295,7 +297,13 @@ HRESULT STDMETHODCALLTYPE map(ID3D11DeviceContext* self, ID3D11Resource* resourc
             note(std::format("Map {} {} kind {} flags {}", nameOf(resource), index, static_cast<int>(kind), flags))) {
         return *failure;
     }
-    return ORIGINAL(ID3D11DeviceContext, Map)(self, resource, index, kind, flags, mapped);
+    const HRESULT result = ORIGINAL(ID3D11DeviceContext, Map)(self, resource, index, kind, flags, mapped);
+    const std::lock_guard lock(state().mutex);
+    if (!silent && SUCCEEDED(result) && state().mapMemory) {
+        mapped->pData = state().mapMemory;
+        mapped->RowPitch = state().mapPitch;
+    }
+    return result;
 }
 
 void STDMETHODCALLTYPE unmap(ID3D11DeviceContext* self, ID3D11Resource* resource, UINT index) {
@@ -327,14 +335,15 @@ HRESULT STDMETHODCALLTYPE getAdapterDesc(IDXGIAdapter* self, DXGI_ADAPTER_DESC* 
 }
 
 HRESULT STDMETHODCALLTYPE getAdapterParent(IDXGIAdapter* self, REFIID id, void** parent) {
-    const char* what = IsEqualGUID(id, IID_IDXGIFactory1) ? "IDXGIFactory1" : "another";
-    if (auto failure = note(std::format("GetParent {}", what))) return *failure;
+    // The system asks for others by itself.
+    if (!IsEqualGUID(id, IID_IDXGIFactory1)) return ORIGINAL(IDXGIAdapter, GetParent)(self, id, parent);
+    if (auto failure = note("GetParent IDXGIFactory1")) return *failure;
     return ORIGINAL(IDXGIAdapter, GetParent)(self, id, parent);
 }
 
 HRESULT STDMETHODCALLTYPE queryFactory(IDXGIFactory2* self, REFIID id, void** object) {
-    const char* what = IsEqualGUID(id, IID_IDXGIFactory2) ? "IDXGIFactory2" : "another";
-    if (auto failure = note(std::format("QueryInterface {}", what))) {
+    if (!IsEqualGUID(id, IID_IDXGIFactory2)) return ORIGINAL(IDXGIFactory2, QueryInterface)(self, id, object);
+    if (auto failure = note("QueryInterface IDXGIFactory2")) {
         *object = nullptr;
         return *failure;
     }
@@ -654,7 +663,12 @@ struct D3D11Calls::Hooks {
     std::vector<void (*)()> undo;
 };
 
-D3D11Calls::D3D11Calls() : hooks(std::make_unique<Hooks>()) {
+D3D11Calls::D3D11Calls() {
+    if (state().on) {
+        std::fprintf(stderr, "two records of Direct3D calls at a time\n");
+        std::abort();
+    }
+    hooks = std::make_unique<Hooks>();
     const std::lock_guard lock(state().mutex);
     state().on = true;
     state().lines.clear();
@@ -665,6 +679,7 @@ D3D11Calls::D3D11Calls() : hooks(std::make_unique<Hooks>()) {
     state().picture = {};
     state().presents = 0;
     state().device = nullptr;
+    state().mapMemory = nullptr;
 }
 
 D3D11Calls::~D3D11Calls() {
@@ -700,6 +715,12 @@ void D3D11Calls::during(const std::string& start, std::function<void()> work) {
     } else {
         state().work.erase(start);
     }
+}
+
+void D3D11Calls::mapInto(void* memory, uint32_t pitch) {
+    const std::lock_guard lock(state().mutex);
+    state().mapMemory = memory;
+    state().mapPitch = pitch;
 }
 
 PresentedPicture D3D11Calls::presented() const {

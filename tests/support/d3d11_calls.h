@@ -42,6 +42,9 @@ public:
     /// Runs inside calls whose line begins with `start`, before they are made. Null ends that.
     void during(const std::string& start, std::function<void()> work);
 
+    /// From now on Map hands out this memory in place of the texture's, with rows `pitch` bytes apart. Null ends that.
+    void mapInto(void* memory, uint32_t pitch);
+
     /// The last picture that was presented, and how many were.
     PresentedPicture presented() const;
     size_t presents() const;

@@ -52,10 +52,14 @@ D3D11Window::D3D11Window(int width, int height, bool closeButton) {
 }
 
 void D3D11Window::resize(int width, int height) {
-    game.onThread([&] { setClientSize(game.handle(), width, height); });
-    const RECT client = game.client();
-    EXPECT_EQ(client.right, width);
-    EXPECT_EQ(client.bottom, height);
+    // The window manager answers in its own time, and sometimes with a size from before.
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        game.onThread([&] { setClientSize(game.handle(), width, height); });
+        const RECT client = game.client();
+        if (client.right == width && client.bottom == height) return;
+        Sleep(20);
+    }
+    ADD_FAILURE() << "the window did not take the size " << width << "x" << height;
 }
 
 void D3D11Window::paint(const Picture& picture, PaintElementType type) {
