@@ -1,13 +1,18 @@
+#include <objbase.h>
+
+#include "render/d3d11/d3d11_renderer.h"
 #include "render/osr_renderer.h"
 
 namespace ZEMO::UI {
 
-std::shared_ptr<IOsrRenderer> createOsrRenderer(int kind, HWND /*window*/, bool /*hasCloseButton*/) {
+std::shared_ptr<IOsrRenderer> createOsrRenderer(int kind, HWND window, bool hasCloseButton) {
     switch (kind) {
         case kRendererD3D11:
         case kRendererD3D12:
+            CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+            return std::make_shared<D3D11Renderer>(window, hasCloseButton);
         case kRendererOpenGL:
-            return {};  // The local renderers are not part of this build yet: a view without a consumer shows nothing.
+            return {};  // Not part of this build yet: a view without a consumer shows nothing.
         default:
             return {};
     }
