@@ -79,12 +79,13 @@ void tapRealKey(WORD virtualKey, DWORD flags) {
     sendRealKey(virtualKey, flags | KEYEVENTF_KEYUP);
 }
 
-InputPage::InputPage(Style pageStyle, float pageScale, const std::string& body, bool presentCallback)
-    : game({.clientWidth = static_cast<int>(320 * pageScale),
-            .clientHeight = static_cast<int>(240 * pageScale),
+InputPage::InputPage(Style pageStyle, float pageScale, const std::string& body, bool presentCallback, SIZE pageSize)
+    : game({.clientWidth = static_cast<int>(static_cast<float>(pageSize.cx) * pageScale),
+            .clientHeight = static_cast<int>(static_cast<float>(pageSize.cy) * pageScale),
             .presentCallback = presentCallback}),
       style(pageStyle),
-      scale(pageScale) {
+      scale(pageScale),
+      size(pageSize) {
     server.serveHtml("/", kHead + body + kScript);
     server.serve("/log", {});
     server.serve("/ready", {});
@@ -98,7 +99,7 @@ InputPage::~InputPage() {
 bool InputPage::open() {
     view = game.makeView(server.url("/"), events);
     view->setDisplayMode(style);
-    view->setSize(320, 240);
+    view->setSize(size.cx, size.cy);
     view->show();
     window = style == kLayer ? game.window : findViewWindow();
     SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -145,7 +146,7 @@ Lines InputPage::logPosted(const SentMessage& message, size_t expected) {
 
 Lines InputPage::logReal(const std::function<void()>& act) {
     act();
-    tapRealKey(kLastKey);
+    sendRealKey(kLastKey, KEYEVENTF_KEYUP);  // a press would be a key to what listens in the page
     return waitForAnswer(++asked);
 }
 

@@ -31,8 +31,9 @@ class InputPage {
 public:
     enum Style : int { kLayer = 0, kOwnWindow = 1 };
 
-    /// `scale` is the one that the session has; `body` stands in the page.
-    InputPage(Style style, float scale, const std::string& body = "", bool presentCallback = true);
+    /// `scale` is the one that the session has; `body` stands in the page, which has `size` logical pixels.
+    InputPage(Style style, float scale, const std::string& body = "", bool presentCallback = true,
+              SIZE size = {320, 240});
     ~InputPage();
 
     /// Shown, painted, in front, with the keyboard.
@@ -70,6 +71,7 @@ private:
     std::vector<std::string> answers() const;
     Style style;
     float scale;
+    SIZE size;
     size_t asked = 0;
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "client/input_case.h"
+#include "client/real_hands.h"
 
 // Text in a page's own fields by the display's keyboard, in both styles: what the page holds in the end is the proof.
 namespace ZEMO::Test {
@@ -28,22 +29,6 @@ constexpr Field kAll[] = {
     {"c", 50, 150, "c.textContent", "getSelection().toString()"},
 };
 
-void type(const std::string& text) {
-    for (const char c : text) {
-        const SHORT scan = VkKeyScanW(static_cast<WCHAR>(c));
-        const bool shifted = (HIBYTE(scan) & 1) != 0;
-        if (shifted) sendRealKey(VK_LSHIFT, 0);
-        tapRealKey(LOBYTE(scan));
-        if (shifted) sendRealKey(VK_LSHIFT, KEYEVENTF_KEYUP);
-    }
-}
-
-void tapWith(WORD held, WORD key, DWORD flags = 0) {
-    sendRealKey(held, 0);
-    tapRealKey(key, flags);
-    sendRealKey(held, KEYEVENTF_KEYUP);
-}
-
 class Typing : public ::testing::TestWithParam<Style> {
 protected:
     void open() { ASSERT_TRUE(page.open()); }
@@ -67,7 +52,7 @@ TEST_P(Typing, EachFieldForeground_TypedDeletedAndSelectedByKeys) {
     for (const Field& field : kAll) {
         SCOPED_TRACE(field.name);
         focus(field);
-        EXPECT_EQ(after([] { type("Hello, World 42!"); }, field.value), "Hello, World 42!");
+        EXPECT_EQ(after([] { typeReal("Hello, World 42!"); }, field.value), "Hello, World 42!");
         EXPECT_EQ(after([] { tapRealKey(VK_BACK); }, field.value), "Hello, World 42");
         EXPECT_EQ(after(
                       [] {
@@ -79,34 +64,34 @@ TEST_P(Typing, EachFieldForeground_TypedDeletedAndSelectedByKeys) {
         EXPECT_EQ(after(
                       [] {
                           tapRealKey(VK_RIGHT, kExtended);
-                          type("X");
+                          typeReal("X");
                       },
                       field.value),
                   "eXllo, World 42");
-        EXPECT_EQ(after([] { tapWith(VK_LSHIFT, VK_END, kExtended); }, field.selected), "llo, World 42");
-        EXPECT_EQ(after([] { type("y"); }, field.value), "eXy");
-        EXPECT_EQ(after([] { tapWith(VK_LSHIFT, VK_LEFT, kExtended); }, field.selected), "y");
+        EXPECT_EQ(after([] { tapRealKeyWith(VK_LSHIFT, VK_END, kExtended); }, field.selected), "llo, World 42");
+        EXPECT_EQ(after([] { typeReal("y"); }, field.value), "eXy");
+        EXPECT_EQ(after([] { tapRealKeyWith(VK_LSHIFT, VK_LEFT, kExtended); }, field.selected), "y");
         EXPECT_EQ(after([] { tapRealKey(VK_DELETE, kExtended); }, field.value), "eX");
-        EXPECT_EQ(after([] { tapWith(VK_LCONTROL, 'A'); }, field.selected), "eX");
+        EXPECT_EQ(after([] { tapRealKeyWith(VK_LCONTROL, 'A'); }, field.selected), "eX");
         EXPECT_EQ(after(
                       [] {
-                          tapWith(VK_LCONTROL, 'C');
+                          tapRealKeyWith(VK_LCONTROL, 'C');
                           tapRealKey(VK_END, kExtended);
-                          tapWith(VK_LCONTROL, 'V');
+                          tapRealKeyWith(VK_LCONTROL, 'V');
                       },
                       field.value),
                   "eXeX");
         EXPECT_EQ(after(
                       [] {
-                          type("one two");
-                          tapWith(VK_LCONTROL, VK_BACK);
+                          typeReal("one two");
+                          tapRealKeyWith(VK_LCONTROL, VK_BACK);
                       },
                       field.value),
                   "eXeXone ");
-        EXPECT_EQ(after([] { tapWith(VK_LCONTROL, 'Z'); }, field.value), "eXeXone two");
+        EXPECT_EQ(after([] { tapRealKeyWith(VK_LCONTROL, 'Z'); }, field.value), "eXeXone two");
         EXPECT_EQ(after(
                       [] {
-                          tapWith(VK_LCONTROL, 'A');
+                          tapRealKeyWith(VK_LCONTROL, 'A');
                           tapRealKey(VK_BACK);
                       },
                       field.value),
@@ -120,20 +105,20 @@ TEST_P(Typing, ReturnForeground_BreaksTheLineOfATextAreaOnly) {
     focus(kAll[0]);
     EXPECT_EQ(after(
                   [] {
-                      type("a");
+                      typeReal("a");
                       tapRealKey(VK_RETURN);
-                      type("b");
+                      typeReal("b");
                   },
                   "a.value"),
               "ab");
     focus(kAll[1]);
     EXPECT_EQ(after(
                   [] {
-                      type("a");
+                      typeReal("a");
                       tapRealKey(VK_RETURN);
-                      type("b");
+                      typeReal("b");
                       tapRealKey(VK_RETURN, kExtended);
-                      type("c");
+                      typeReal("c");
                   },
                   "JSON.stringify(b.value)"),
               R"("a\nb\nc")");
@@ -142,14 +127,14 @@ TEST_P(Typing, ReturnForeground_BreaksTheLineOfATextAreaOnly) {
 TEST_P(Typing, MouseDragForeground_SelectsWhatTheNextKeyReplaces) {
     open();
     focus(kAll[0]);
-    EXPECT_EQ(after([] { type("select me"); }, "a.value"), "select me");
+    EXPECT_EQ(after([] { typeReal("select me"); }, "a.value"), "select me");
     page.log([&](HWND window) {
         SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, page.at(209, 20));
         for (const int x : {150, 80, 30, 12}) SendMessageW(window, WM_MOUSEMOVE, MK_LBUTTON, page.at(x, 20));
         SendMessageW(window, WM_LBUTTONUP, 0, page.at(12, 20));
     });
     EXPECT_EQ(page.ask("a.value.slice(a.selectionStart,a.selectionEnd)"), "select me");
-    EXPECT_EQ(after([] { type("Z"); }, "a.value"), "Z");
+    EXPECT_EQ(after([] { typeReal("Z"); }, "a.value"), "Z");
 }
 
 /// Each half is a character of its own to the window.
@@ -162,7 +147,7 @@ TEST_P(Typing, SurrogatePairForeground_IsOneCharacterOfTheField) {
             for (const WPARAM unit : {0xD83D, 0xDE00}) SendMessageW(window, WM_CHAR, unit, keyPress(0x1E));
         });
         // The engine shows it with the next key.
-        EXPECT_EQ(after([] { type("k"); }, field.value), "\xF0\x9F\x98\x80k");
+        EXPECT_EQ(after([] { typeReal("k"); }, field.value), "\xF0\x9F\x98\x80k");
     }
 }
 
