@@ -235,9 +235,14 @@ TEST(Faults, EngineLibraryMissing_LibraryStartsWithoutPagesAndSaysWhy) {
     EXPECT_TRUE(log.contains("engine file is missing: libcef.dll\n")) << log.dump();
     EXPECT_EQ(game.frames.frameCount(), 0u);
     EXPECT_FALSE(view->canGoBack());
+    view->loadHtml("<p>text</p>", "");
     view->close();
     view->show();
     view.reset();
+    const auto second = UI::createWebViewDefault();  // its text is what it starts with
+    second->loadHtml("<p>text</p>", "");
+    second->show();
+    second->close();
 }
 
 }  // namespace ZEMO::Test
