@@ -2,6 +2,7 @@
 
 #include "include/cef_render_process_handler.h"
 #include "password_focus.h"
+#include "script_host.h"
 
 namespace ZEMO::UI {
 
@@ -15,9 +16,22 @@ public:
                               CefRefPtr<CefDOMNode> node) override {
         passwordFocus.onFocusedNodeChanged(browser, frame, node);
     }
+    void OnContextCreated(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame,
+                          CefRefPtr<CefV8Context> context) override {
+        scriptHost.onContextCreated(frame, context);
+    }
+    void OnContextReleased(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+                           CefRefPtr<CefV8Context> context) override {
+        scriptHost.onContextReleased(context);
+    }
+    bool OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame,
+                                  CefProcessId /*source_process*/, CefRefPtr<CefProcessMessage> message) override {
+        return scriptHost.onMessage(frame, message);
+    }
 
 private:
     PasswordFocus passwordFocus;
+    ScriptHost scriptHost;
 
     IMPLEMENT_REFCOUNTING(PageProcessHandler);
 };
