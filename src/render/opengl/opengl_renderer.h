@@ -34,7 +34,7 @@ private:
     void openContext();
 
     std::shared_ptr<OsrRenderer> renderer;
-    // Left to the system: a window's thread may be using the one while the other would have to go.
+    // Both are left to the system when the view goes.
     HDC deviceContext = nullptr;
     HGLRC glContext = nullptr;
     HWND window;
