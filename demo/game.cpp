@@ -142,10 +142,12 @@ void Game::pollPad() {
     pad.poll();
 }
 
+bool Game::isWindowLent() const { return options.mode == Mode::Local && !pages.empty() && pages.back()->isShown(); }
+
 void Game::drawFrame() {
     const auto begin = Clock::now();
     const PixelSize size = window.clientSize();
-    if (size.width < 1 || size.height < 1) return;  // minimised
+    if (size.width < 1 || size.height < 1 || isWindowLent()) return;  // minimised, or not the game's picture
 
     update = surface->take(image);
     if (!update.changed.isEmpty()) {

@@ -60,6 +60,8 @@ public:
 private:
     void playFrame();
     void drawFrame();
+    /// The library shows a page in the whole of the game's window: two pictures there would fight each other.
+    bool isWindowLent() const;
     void handlePageEvents();
     void handlePageEvent(const PageEvent& event, bool isTop);
     void handleCommand(const std::string& command);

@@ -75,9 +75,14 @@ const std::vector<Option>& allOptions() {
          [](O& o, S v) { o.page = {PageSource::Kind::Html, readFile(v)}; }},
         {"--size", "WxH", "client size of the game's window in pixels, 1280x720",
          [](O& o, S v) { o.size = toSize(v); }},
-        {"--mode", "MODE", "callback: the game draws the page; window: a window of its own; hook: the graphics hook",
+        {"--mode", "MODE",
+         "callback: the game draws the page; window, local: the library does, in a window of the page's own or the "
+         "game's; hook: the graphics hook",
          [](O& o, S v) {
-             o.mode = toChoice<Mode>(v, {{"callback", Mode::Callback}, {"window", Mode::Window}, {"hook", Mode::Hook}});
+             o.mode = toChoice<Mode>(v, {{"callback", Mode::Callback},
+                                         {"window", Mode::Window},
+                                         {"local", Mode::Local},
+                                         {"hook", Mode::Hook}});
          }},
         {"--views", "N", "1, or 2 for a dialog on top of the page", [](O& o, S v) { o.views = toNumber(v, 1, 2); }},
         {"--seconds", "S", "end after S seconds; without it, when the window is closed",

@@ -13,6 +13,7 @@ namespace demo {
 enum class Mode {
     Callback,  ///< the game draws it, from the present callback
     Window,    ///< the library draws it, in a window of its own
+    Local,     ///< the library draws it, in the game's window
     Hook,      ///< the graphics hook module draws it into the game's frame
 };
 

@@ -23,6 +23,7 @@ constexpr Colour kCorner{200, 200, 40, 255};  // a block, glued to the lower rig
 constexpr Colour kSecondPage{112, 32, 144, 255};
 constexpr Colour kReloaded{32, 144, 144, 255};
 constexpr Colour kNothing{0, 0, 0, 0};
+constexpr Colour kBackground{237, 238, 246, 255};  // what the library puts under a page that it draws itself
 
 PageSource plainPage(const Colour& c) {
     return {PageSource::Kind::Html,
@@ -48,6 +49,9 @@ public:
             stage.step("display shows the game's frame", [this] { display(game.gameWindow().handle()); });
             stage.step("small change reports a small rectangle", [this] { smallChange(); });
         }
+        if (stage.isDrawnByLibrary()) {
+            stage.step("display shows the page over a plain background", [this] { drawnByLibrary(); });
+        }
         stage.step("page takes clicks, text, a choice, the wheel", [this] { input.onThePage(); });
         stage.step("close button closes its page", [this] { input.closeButton(); });
         if (stage.isCallback()) {
@@ -59,6 +63,10 @@ public:
             stage.step("dropped view hides the page", [this] { drop(); });
         } else {
             stage.step("display shows the page", [this] { display(stage.pageWindow()); });
+        }
+        if (stage.isDrawnByLibrary()) {
+            stage.step("resized window shows the page in its size", [this] { resizePageWindow(); });
+            stage.step("dropped view leaves the display", [this] { dropDrawnByLibrary(); });
         }
     }
 
@@ -126,15 +134,55 @@ private:
     }
 
     void display(HWND window) {
-        Picture screen;
         for (const Block& block : {kRed, kGreen}) {
-            const auto seen = [&] { return screen.at(stage.px(block.x), stage.px(block.y)); };
-            stage.await([&] { return screen = pictureOfDisplay(window), seen() == block.colour; },
-                        [&] {
-                            return text("the display has %s for the %s, expected %s", text(seen()).c_str(), block.name,
-                                        text(block.colour).c_str());
-                        });
+            awaitDisplay(window, block.name, stage.px(block.x), stage.px(block.y), block.colour);
         }
+    }
+
+    void awaitDisplay(HWND window, const char* what, int x, int y, Colour expected, int tolerance = 0) {
+        Picture screen;
+        stage.await([&] { return screen = pictureOfDisplay(window), isClose(screen.at(x, y), expected, tolerance); },
+                    [&] {
+                        return text("the display has %s for %s, expected %s", text(screen.at(x, y)).c_str(), what,
+                                    text(expected).c_str());
+                    });
+    }
+
+    void drawnByLibrary() {
+        const HWND window = stage.pageWindow();
+        display(window);
+        awaitDisplay(window, "the transparent part", stage.px(kClear.x), stage.px(kClear.y), kBackground);
+        const auto under = [](int over, int beneath) { return over + beneath * (255 - kHalfBlue.colour.alpha) / 255; };
+        const Colour& page = kHalfBlue.colour;
+        awaitDisplay(window, kHalfBlue.name, stage.px(kHalfBlue.x), stage.px(kHalfBlue.y),
+                     {under(page.red, kBackground.red), under(page.green, kBackground.green),
+                      under(page.blue, kBackground.blue), 255},
+                     1);
+    }
+
+    void resizePageWindow() {
+        const HWND window = stage.pageWindow();
+        RECT outer{}, before{};
+        GetWindowRect(window, &outer);
+        GetClientRect(window, &before);
+        for (const double part : {0.75, 1.0}) {
+            const int width = static_cast<int>(before.right * part), height = static_cast<int>(before.bottom * part);
+            SetWindowPos(window, nullptr, 0, 0, outer.right - outer.left + width - before.right,
+                         outer.bottom - outer.top + height - before.bottom, SWP_NOMOVE | SWP_NOZORDER);
+            awaitDisplay(window, "the corner block", width - stage.px(kBlockWidth / 2),
+                         height - stage.px(kBlockHeight / 2), kCorner);
+        }
+    }
+
+    void dropDrawnByLibrary() {
+        const HWND window = stage.pageWindow();
+        game.closeTopPage();
+        stage.await(
+            [&] {
+                if (window != game.gameWindow().handle()) return !IsWindow(window);
+                return !(pictureOfDisplay(window).at(stage.px(kRed.x), stage.px(kRed.y)) == kRed.colour);
+            },
+            [] { return std::string("the page is still on the display"); });
     }
 
     void smallChange() {

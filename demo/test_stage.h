@@ -54,6 +54,8 @@ public:
     void awaitPage(const char* what, double x, double y, Colour expected, int tolerance = 0);
     void awaitPage(const Block& block);
     bool isCallback() const { return options.mode == Mode::Callback; }
+    /// Page and background in a window of the page's own or the game's; what the game draws is not seen there.
+    bool isDrawnByLibrary() const { return options.mode == Mode::Window || options.mode == Mode::Local; }
     /// The window that shows the page in front; null when a view's own window isn't there.
     HWND pageWindow() const;
 

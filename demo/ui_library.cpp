@@ -27,6 +27,8 @@ void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& 
         ZEMO::UI::InitUIGraphicsHook();
         return;
     }
+    // With neither of both the library draws into the game's window by itself.
+    if (options.mode == Mode::Local) return;
     // The library keeps the callback for as long as it is loaded: it owns the surface together with the game.
     ZEMO::UI::setUIOsrFramePresentCallback(
         [surface](const void* pixels, int width, int height, int dirtyX, int dirtyY, int dirtyWidth, int dirtyHeight) {

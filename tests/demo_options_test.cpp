@@ -56,7 +56,7 @@ TEST(DemoOptions, WrongArguments_AreNamedInTheComplaint) {
     EXPECT_EQ(complaint({"--size", "800"}), "'800' is not a size like 1280x720");
     EXPECT_EQ(complaint({"--size", "1x1"}), "'1' is not a number from 64 to 16384");
     EXPECT_EQ(complaint({"--views", "3"}), "'3' is not a number from 1 to 2");
-    EXPECT_EQ(complaint({"--mode", "wall"}), "'wall' is none of callback, window, hook");
+    EXPECT_EQ(complaint({"--mode", "wall"}), "'wall' is none of callback, window, local, hook");
     EXPECT_EQ(complaint({"--url"}), "'--url' needs ADDRESS");
     EXPECT_EQ(complaint({"--self-test=yes"}), "'--self-test' takes no value");
     EXPECT_EQ(complaint({"--html-file", "no such file"}), "cannot read 'no such file'");

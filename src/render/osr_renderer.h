@@ -31,7 +31,8 @@ inline constexpr int kRendererD3D11 = 0;
 inline constexpr int kRendererD3D12 = 1;
 inline constexpr int kRendererOpenGL = 2;
 
-/// A local renderer of `kind` for `window`; empty for an unknown kind, and for a kind that this build does not bring.
+/// A local renderer of `kind` for `window`; empty for an unknown kind, and for one that this build does not bring. The
+/// library itself asks for OpenGL only.
 std::shared_ptr<IOsrRenderer> createOsrRenderer(int kind, HWND window, bool hasCloseButton);
 
 }  // namespace ZEMO::UI

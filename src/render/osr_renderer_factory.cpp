@@ -1,6 +1,7 @@
 #include <objbase.h>
 
 #include "render/d3d11/d3d11_renderer.h"
+#include "render/opengl/opengl_renderer.h"
 #include "render/osr_renderer.h"
 
 namespace ZEMO::UI {
@@ -12,7 +13,7 @@ std::shared_ptr<IOsrRenderer> createOsrRenderer(int kind, HWND window, bool hasC
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
             return std::make_shared<D3D11Renderer>(window, hasCloseButton);
         case kRendererOpenGL:
-            return {};  // Not part of this build yet: a view without a consumer shows nothing.
+            return std::make_shared<OpenGLRenderer>(window, hasCloseButton);
         default:
             return {};
     }

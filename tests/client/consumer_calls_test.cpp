@@ -3,6 +3,7 @@
 #include <format>
 #include <thread>
 
+#include "binding_traits.h"
 #include "client/engine_task.h"
 #include "engine/client/cef_handler.h"
 #include "include/cef_browser.h"
@@ -11,8 +12,7 @@
 #include "support/debug_log.h"
 
 // Which calls a consumer of the frames and a local renderer get from the browser client, and in which order. Both are
-// stand-ins here: neither the hook strategy nor a local renderer draws anything in this build, and the one consumer
-// that does says nothing of most of these calls.
+// stand-ins here, and so is the browser where its own calls count: the real ones say nothing of most of these calls.
 namespace ZEMO::Test {
 namespace {
 
@@ -32,6 +32,12 @@ public:
     std::atomic<int> ticks{0}, paints{0}, viewRects{0};
     std::atomic<bool> wantsRepaint{false}, paintDone{true};
     std::atomic<DWORD> renderThread{0};
+    // The renderer's answers.
+    std::atomic<bool> popupEmpty{false}, resizes{false};
+    CefRect popup;
+    std::atomic<bool> resizedDuringRender{false};
+    std::function<void()> resizeAgain;  ///< set before the flag
+    std::atomic<int> rendersToResize{0}, rendersAtRest{0};
 
 private:
     std::mutex mutex;
@@ -71,14 +77,20 @@ public:
     void onPaint(PaintElementType type, const RectList&, const void*, int width, int height) override {
         calls->add(std::format("renderer.onPaint {} {}x{}", static_cast<int>(type), width, height));
     }
-    void onPopupShow(CefRefPtr<CefBrowser>, bool) override {}
+    void onPopupShow(CefRefPtr<CefBrowser>, bool show) override {
+        calls->add(std::format("renderer.onPopupShow {}", show));
+    }
     void onPopupSize(CefRefPtr<CefBrowser>, const CefRect& r) override {
         calls->add(std::format("renderer.onPopupSize {} {} {} {}", r.x, r.y, r.width, r.height));
     }
-    void render(bool*) override {}
-    void getPopupRect(CefRect* out) override { *out = {}; }
-    void clearPopupRects() override {}
-    bool isPopupRectEmpty() override { return false; }
+    void render(bool* needResize) override {
+        if (calls->resizedDuringRender.exchange(false)) calls->resizeAgain();
+        ++(*needResize ? calls->rendersToResize : calls->rendersAtRest);
+        if (calls->resizes) *needResize = false;
+    }
+    void getPopupRect(CefRect* out) override { *out = calls->popup; }
+    void clearPopupRects() override { calls->add("renderer.clearPopupRects"); }
+    bool isPopupRectEmpty() override { return calls->popupEmpty; }
     void onViewHidden() override { calls->add("onViewHidden"); }
 
 private:
@@ -105,6 +117,28 @@ public:
 private:
     SharedCalls calls;
 };
+
+/// A browser that notes which paints it is asked for.
+CefRefPtr<CefBrowser> recordingBrowser(const SharedCalls& record) {
+    static SharedCalls calls;
+    static cef_browser_host_t host;
+    static cef_browser_t browser;
+    const auto makeCounted = [](cef_base_ref_counted_t& base, size_t size) {
+        base.size = size;
+        base.add_ref = [](cef_base_ref_counted_t*) {};
+        base.release = [](cef_base_ref_counted_t*) { return 0; };
+        base.has_one_ref = [](cef_base_ref_counted_t*) { return 0; };
+        base.has_at_least_one_ref = [](cef_base_ref_counted_t*) { return 1; };
+    };
+    calls = record;
+    makeCounted(host.base, sizeof host);
+    makeCounted(browser.base, sizeof browser);
+    host.invalidate = [](cef_browser_host_t*, cef_paint_element_type_t type) {
+        calls->add(std::format("Invalidate {}", static_cast<int>(type)));
+    };
+    browser.get_host = [](cef_browser_t*) { return &host; };
+    return cef_binding::Binding<CefBrowser>::take(&browser);
+}
 
 /// Keeps the manager's count of layers above 0.
 class IdleLayer final : public ILayer {
@@ -238,6 +272,61 @@ TEST_F(ConsumerCalls, PopupPlacedInAnOwnWindow_OnlyTheRendererHears) {
     const auto client = make(WindowStyle::Window);
     client->OnPopupSize(nullptr, CefRect(11, 21, 30, 41));
     EXPECT_EQ(calls->take(), (Names{"renderer.onPopupSize 11 21 30 41"}));
+    client->close();
+}
+
+TEST_F(ConsumerCalls, PopupShownAndHidden_RectangleClearedAndThePageAskedForBeforeTheRendererHears) {
+    for (const auto style : {WindowStyle::Layer, WindowStyle::Window}) {
+        const auto client = make(style);
+        const CefRefPtr<CefBrowser> browser = recordingBrowser(calls);
+        client->OnPopupShow(browser, true);
+        EXPECT_EQ(calls->take(), style == WindowStyle::Layer ? (Names{"onPopupShow true", "renderer.onPopupShow true"})
+                                                             : (Names{"renderer.onPopupShow true"}));
+        client->OnPopupShow(browser, false);
+        Names hidden{"renderer.clearPopupRects", "Invalidate 0", "renderer.onPopupShow false"};
+        if (style == WindowStyle::Layer) hidden.insert(hidden.begin(), "onPopupShow false");
+        EXPECT_EQ(calls->take(), hidden);
+        client->close();
+        calls->take();
+    }
+}
+
+TEST_F(ConsumerCalls, ViewPaintedWithAPopupOpen_PopupIsAskedFor) {
+    const auto client = make(WindowStyle::Window);
+    const CefRefPtr<CefBrowser> browser = recordingBrowser(calls);
+    const uint32_t pixels[4]{};
+    const auto paint = [&](auto type, CefRect popup) {
+        calls->popup = popup;
+        client->OnPaint(browser, type, {}, pixels, 2, 2);
+        return calls->take();
+    };
+    EXPECT_EQ(paint(PET_VIEW, {5, 5, 1, 1}), (Names{"renderer.onPaint 0 2x2", "Invalidate 1"}));
+    EXPECT_EQ(paint(PET_POPUP, {5, 5, 1, 1}), (Names{"renderer.onPaint 1 2x2"}));
+    EXPECT_EQ(paint(PET_VIEW, {5, 5, 0, 1}), (Names{"renderer.onPaint 0 2x2"}));
+    EXPECT_EQ(paint(PET_VIEW, {5, 5, 1, 0}), (Names{"renderer.onPaint 0 2x2"}));
+    client->close();
+}
+
+TEST_F(ConsumerCalls, WindowResized_RendererIsToldUntilItHasResized) {
+    const auto client = make(WindowStyle::Window);
+    ASSERT_TRUE(game.waitFor("a cycle", [&] { return calls->rendersAtRest > 0; }));
+    EXPECT_EQ(calls->rendersToResize, 0);
+    client->onWindowResized();
+    ASSERT_TRUE(game.waitFor("the flag in every cycle", [&] { return calls->rendersToResize > 3; }));
+    const int atRest = calls->rendersAtRest;
+    calls->resizes = true;
+    ASSERT_TRUE(game.waitFor("the flag to go", [&] { return calls->rendersAtRest > atRest + 1; }));
+    client->close();
+}
+
+// A size that comes while the renderer is taking the one before must not get lost.
+TEST_F(ConsumerCalls, WindowResizedDuringRender_NextCycleIsToldToo) {
+    const auto client = make(WindowStyle::Window);
+    ASSERT_TRUE(game.waitFor("a cycle", [&] { return calls->rendersAtRest > 0; }));
+    calls->resizes = true;
+    calls->resizeAgain = [&] { client->onWindowResized(); };
+    calls->resizedDuringRender = true;
+    EXPECT_TRUE(game.waitFor("the flag of the cycle after", [&] { return calls->rendersToResize > 0; }));
     client->close();
 }
 

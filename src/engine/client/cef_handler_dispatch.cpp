@@ -90,10 +90,13 @@ bool CefHandler::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHand
     if (!IsWindow(window)) return false;
     if (frames.isDrawnByGame()) {
         PostMessageW(window, WM_SETCURSOR, kPageCursorMarker, reinterpret_cast<LPARAM>(cursor));
-    } else {
+        return true;
+    }
+    // A call that comes late must not undo the cursor that the end of the view, or the view in front, has put there.
+    frames.whileShown([&] {
         SetClassLongPtrW(window, GCLP_HCURSOR, reinterpret_cast<LONG_PTR>(cursor));
         SetCursor(cursor);
-    }
+    });
     return true;
 }
 

@@ -11,7 +11,8 @@
 // The end of frames, in order: no frame is taken any more, the render thread ends, the consumer hears that there is
 // nothing left to show. That notice is always the last call and never comes beside or inside a frame: when one is being
 // taken, by another thread that takes too long or by the very call that drops the view, the paint tells the consumer as
-// it returns.
+// it returns. A local renderer is not waited for: it draws outside of the lock, into a window that may have gone, and a
+// picture that came too late is taken off again.
 namespace ZEMO::UI {
 namespace {
 
@@ -46,8 +47,18 @@ void PageFrames::start() {
 }
 
 void PageFrames::stop() {
-    visible = false;
+    setShown(false);
     cycle.stop();
+}
+
+void PageFrames::setShown(bool shown) {
+    const std::lock_guard lock(shownMutex);
+    visible = shown;
+}
+
+void PageFrames::whileShown(const std::function<void()>& action) {
+    const std::lock_guard lock(shownMutex);
+    if (isShown()) action();
 }
 
 void PageFrames::finish(bool lastLayer) {
@@ -96,7 +107,7 @@ void PageFrames::onWindowResized() {
 
 void PageFrames::setVisible(bool show, bool keepHookFrame) {
     if (show) consumer->onShow();  // first: no frame may come between
-    visible = show;
+    setShown(show);
     if (show) {
         if (getBrowser()) {
             refreshBrowser();
@@ -111,21 +122,31 @@ void PageFrames::setVisible(bool show, bool keepHookFrame) {
 
 void PageFrames::onPaint(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
                          const void* buffer, int width, int height) {
-    const std::lock_guard paint(paintMutex);
-    if (closing || !visible) return;
-    paintThread = GetCurrentThreadId();
-    takeFrame(source, type, dirtyRects, buffer, width, height);
-    paintThread = 0;
-    if (clearPending.exchange(false)) consumer->clearFrame();  // the view ended meanwhile
+    if (!offerToConsumer(source, type, dirtyRects, buffer, width, height)) {
+        drawLocally(source, type, dirtyRects, buffer, width, height);
+    }
 }
 
-void PageFrames::takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
-                           const void* buffer, int width, int height) {
+// True when nothing is left to do with the frame.
+bool PageFrames::offerToConsumer(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                                 const void* buffer, int width, int height) {
+    const std::lock_guard paint(paintMutex);
+    if (closing || !visible) return true;
     const bool drawClose = hasCloseButton && closeButtonShown;
-    if (consumer->paint(drawClose, source, type, dirtyRects, buffer, width, height)) return;
+    paintThread = GetCurrentThreadId();
+    const bool taken = consumer->paint(drawClose, source, type, dirtyRects, buffer, width, height);
+    paintThread = 0;
+    if (clearPending.exchange(false)) consumer->clearFrame();  // the view ended meanwhile
+    return taken;
+}
+
+void PageFrames::drawLocally(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                             const void* buffer, int width, int height) {
     const std::shared_ptr<IOsrRenderer> local = renderer.load();
     if (!local || width < kSmallestLocalFrame || height < kSmallestLocalFrame || !IsWindow(window)) return;
     local->onPaint(type, dirtyRects, buffer, width, height);
+    // Hidden or dropped in the meantime, by a thread that did not wait: the picture comes off the window again.
+    if (!isShown()) InvalidateRect(window, nullptr, TRUE);
     if (type != PET_VIEW) return;
     CefRect popup;
     local->getPopupRect(&popup);

@@ -44,6 +44,8 @@ public:
     void setVisible(bool show, bool keepHookFrame);
     /// No further frame is taken; the window is going away.
     void markClosing() { closing.exchange(true); }
+    /// Runs `action` if the view is shown, and so that it is not hidden or dropped meanwhile. Any thread.
+    void whileShown(const std::function<void()>& action);
     /// The close button may be drawn from now on.
     void showCloseButton() { closeButtonShown = true; }
     /// A renderer other than the factory's. Any thread.
@@ -55,18 +57,24 @@ public:
     void onPopupSize(const CefRefPtr<CefBrowser>& source, const CefRect& rect);
 
 private:
-    void takeFrame(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
-                   const void* buffer, int width, int height);
+    bool offerToConsumer(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                         const void* buffer, int width, int height);
+    void drawLocally(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
+                     const void* buffer, int width, int height);
+    bool isShown() const { return visible && !closing && !cycle.isStopped(); }
+    void setShown(bool shown);
     void ensureRenderer();
     void refreshBrowser();
     bool runCycle();
 
     // Shared between threads.
     std::atomic<bool> clearPending{false};  ///< the consumer has still to hear that nothing is left to show
-    std::timed_mutex paintMutex;            ///< one frame or the end of frames; held while the consumer is called
+    std::timed_mutex paintMutex;            ///< one frame or the end of frames; held while the consumer is called,
+                                            ///< never while a local renderer draws: that may need the window's thread
     std::atomic<DWORD> paintThread{0};      ///< the thread that is inside a frame
     std::atomic<std::shared_ptr<IOsrRenderer>> renderer;
     std::atomic<bool> needResize{false};
+    std::mutex shownMutex;  ///< what must not outlast the view on the screen, or its hiding; never while drawing
     std::atomic<bool> visible{true};
     std::atomic<bool> closing{false};
     std::atomic<bool> closeButtonShown{false};

@@ -23,7 +23,9 @@ public:
 
     /// Once. `step` runs on the new thread only. Throws std::system_error when the thread can't be started.
     void start(std::function<bool()> step);
-    /// No step runs any more when this returns. Any thread but the render thread, also several at a time.
+    /// No step runs any more when this returns. Messages that other threads send to this thread's windows are answered
+    /// meanwhile: a step that presents into such a window may wait for that. Any thread but the render thread, also
+    /// several at a time.
     void stop();
     bool isStopped() const { return stopped; }
 
@@ -32,8 +34,10 @@ private:
     bool waitForNextStep();
 
     std::atomic<bool> stopped{false};
-    Core::UniqueKernelHandle stopEvent;  ///< set with `stopped`: ends the wait
-    std::mutex threadMutex;              ///< one join, of the view's end or of the exit
+    std::atomic<DWORD> threadId{0};
+    Core::UniqueKernelHandle stopEvent;   ///< set with `stopped`: ends the wait
+    Core::UniqueKernelHandle endedEvent;  ///< set while no step runs or will
+    std::mutex threadMutex;               ///< one join, of the view's end or of the exit
     std::thread thread;
 };
 
