@@ -671,6 +671,24 @@ TEST_F(LayerManager, Destroyed_GivesTheWindowItsProcedureBackAndFreesTheHookModu
     EXPECT_EQ(GetModuleHandleW(L"msimg32.dll"), nullptr);
 }
 
+TEST_F(LayerManager, HookModulesOfEightThreadsAtOnce_AllAreFreedWithIt) {
+    const std::wstring name = L"msimg32.dll";
+    {
+        ZEMOMultiLayerManager own;
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 8; ++thread) {
+            threads.emplace_back([&] {
+                for (int i = 0; i < 500; ++i) {
+                    own.setGraphicsHookModule(LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+                }
+            });
+        }
+        threads.clear();
+        EXPECT_NE(own.getGraphicsHookModule(), nullptr);
+    }
+    EXPECT_EQ(GetModuleHandleW(name.c_str()), nullptr) << "each was loaded once more, and freed as often";
+}
+
 TEST_F(LayerManager, SubclassedWindowWithoutLayer_LetsTheGameAnswer) {
     SubclassedGame fixture;
     for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_MOUSEWHEEL}, UINT{WM_DESTROY}, UINT{WM_INPUT}, kProbe}) {
