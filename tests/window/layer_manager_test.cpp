@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <latch>
 #include <system_error>
 
 #include "layers/window_messages.h"
@@ -672,21 +673,29 @@ TEST_F(LayerManager, Destroyed_GivesTheWindowItsProcedureBackAndFreesTheHookModu
 }
 
 TEST_F(LayerManager, HookModulesOfEightThreadsAtOnce_AllAreFreedWithIt) {
-    const std::wstring name = L"msimg32.dll";
+    constexpr int kThreads = 8;
+    constexpr int kModules = 2000;
+    const wchar_t* const name = L"msimg32.dll";
+    HMODULE module = nullptr;
+    // Loaded before: the loader lets one thread in at a time, and they would not meet.
+    for (int i = 0; i < kThreads * kModules; ++i) {
+        module = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        ASSERT_TRUE(module);
+    }
     {
         ZEMOMultiLayerManager own;
+        std::latch start(kThreads);
         std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 8; ++thread) {
+        for (int thread = 0; thread < kThreads; ++thread) {
             threads.emplace_back([&] {
-                for (int i = 0; i < 500; ++i) {
-                    own.setGraphicsHookModule(LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-                }
+                start.arrive_and_wait();
+                for (int i = 0; i < kModules; ++i) own.setGraphicsHookModule(module);
             });
         }
         threads.clear();
-        EXPECT_NE(own.getGraphicsHookModule(), nullptr);
+        EXPECT_EQ(own.getGraphicsHookModule(), module);
     }
-    EXPECT_EQ(GetModuleHandleW(name.c_str()), nullptr) << "each was loaded once more, and freed as often";
+    EXPECT_EQ(GetModuleHandleW(name), nullptr) << "each load is freed once";
 }
 
 TEST_F(LayerManager, SubclassedWindowWithoutLayer_LetsTheGameAnswer) {
