@@ -74,6 +74,7 @@ TEST(ManyReturns, FromMainWithAnOpenView_EachEndsAndLeavesNoEngineProcess) {
         ASSERT_TRUE(game.waitForLine("leaving")) << game.output();
         if (!game.waitForEnd(std::chrono::seconds(10))) ++hung;
         if (untilGone() >= kGoneMs) ++left;
+        if (wanted) std::fprintf(stderr, "%d returns: %d hung, %d left\n", i + 1, hung, left);
     }
     std::printf("%d returns: %d hung, %d left an engine process for five seconds\n", returns, hung, left);
     EXPECT_EQ(hung, 0);
