@@ -1,8 +1,7 @@
-#include <clocale>
-
 #include "api/library_start.h"
 #include "api/test_view.h"
 #include "core/process_state.h"
+#include "core/user_locale.h"
 #include "layers/layer_manager.h"
 #include "zemo/ui.h"
 
@@ -12,7 +11,7 @@ int InitUILibraryTEST() {
     const int result = startLibrary(false);
     if (result >= 0) return result;
     loadGraphicsHook();
-    std::setlocale(LC_ALL, ".UTF8");
+    ZEMO::Core::setUserLocaleInUtf8();
     return result;
 }
 

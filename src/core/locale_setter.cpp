@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/locale_names.h"
+#include "core/user_locale.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -18,9 +19,7 @@ LocaleSetter& LocaleSetter::operator=(const LocaleSetter& /*other*/) { return *t
 LocaleSetter& LocaleSetter::operator=(LocaleSetter&& /*other*/) noexcept { return *this; }
 
 void LocaleSetter::setUTF8PreservePreSettedLocale() {
-    // The runtime's text for the locale lives only until somebody sets another one.
-    static std::mutex oneAtATime;
-    const std::lock_guard lock(oneAtATime);
+    const std::lock_guard lock(Core::localeMutex());
     try {
         setLocales();
     } catch (...) {

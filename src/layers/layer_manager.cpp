@@ -38,6 +38,7 @@ ZEMOMultiLayerManager::~ZEMOMultiLayerManager() {
 }
 
 void ZEMOMultiLayerManager::setGraphicsHookModule(HMODULE module) {
+    const std::lock_guard lock(hookModulesMutex);
     if (module) hookModules.emplace_back(module);
     graphicsHookModule = module;
 }

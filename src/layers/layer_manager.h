@@ -59,7 +59,7 @@ public:
     HWND getMainWindow() const { return mainWindow; }
     void setMainWindow(HWND window);
     HMODULE getGraphicsHookModule() const { return graphicsHookModule; }
-    /// Takes the module over: it is freed with this object.
+    /// Takes the module over: it is freed with this object. Any thread.
     void setGraphicsHookModule(HMODULE module);
     // What the game has set, each forwarded to the settings.
     uint32_t getOpenGLSleepTime() const { return settings.getOpenGLSleepTime(); }
@@ -111,6 +111,7 @@ private:
     std::mutex mainWindowMutex;                     ///< one search for a new one at a time
     std::atomic<bool> mainWindowDestroyed = false;  ///< its handle may be another window's by now
     std::atomic<HMODULE> graphicsHookModule = nullptr;
+    std::mutex hookModulesMutex;
     std::vector<Core::UniqueModule> hookModules;  ///< each that was loaded: a view may still use an older one
     std::atomic<WNDPROC> previousWindowProc = nullptr;
 };

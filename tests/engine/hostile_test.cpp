@@ -23,11 +23,14 @@ public:
     explicit DropsItself(std::shared_ptr<ZEMO::UI::IZEMOWebView>& heldView) : view(heldView) {}
     void viewDidShow(ZEMO::UI::IZEMOView*) override {}
     void viewDidClose(ZEMO::UI::IZEMOView*) override {
+        const std::weak_ptr<ZEMO::UI::IZEMOWebView> watched = view;
         view.reset();
         dropped = true;
+        aliveInItsCall = !watched.expired();
     }
     std::shared_ptr<ZEMO::UI::IZEMOWebView>& view;
     bool dropped = false;
+    bool aliveInItsCall = false;
 };
 
 }  // namespace
@@ -61,6 +64,7 @@ TEST(Hostile, ViewDroppedInsideViewDidClose_CloseComesBack) {
     ASSERT_TRUE(game.waitFor("a frame", [&] { return game.frames.frameCount() > 0; }));
     view->close();
     EXPECT_TRUE(drops->dropped);
+    EXPECT_TRUE(drops->aliveInItsCall) << "close still works on the view";
     EXPECT_EQ(view, nullptr);
     EXPECT_TRUE(game.waitFor("the notice of the end", [&] { return game.frames.lastFrame().cleared; }));
 }

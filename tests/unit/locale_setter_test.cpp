@@ -6,12 +6,15 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <clocale>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "core/user_locale.h"
 #include "support/helper_process.h"
 #include "support/import_replaced.h"
 
@@ -29,6 +32,16 @@ char* __cdecl recordedSetlocale(int category, const char* locale) {
         return nullptr;  // no answer may matter
     }
     return const_cast<char*>(currentLocale);
+}
+
+std::atomic<int> callsUnderWay;
+std::atomic<bool> callsMet;
+
+char* __cdecl slowSetlocale(int, const char*) {
+    callsMet = ++callsUnderWay > 1 || callsMet;
+    Sleep(1);
+    --callsUnderWay;
+    return nullptr;
 }
 
 struct CallCase {
@@ -69,6 +82,22 @@ TEST_F(LocaleSetterCalls, RuntimeThatTellsNothing_PlainUtf8) {
     currentLocale = nullptr;
     EXPECT_NO_THROW(LocaleSetter().setUTF8PreservePreSettedLocale());
     EXPECT_EQ(calls, (Calls{{0, ".UTF8"}}));
+}
+
+TEST(LocaleSetterThreads, SetterAndPlainUtf8AtOnce_RuntimeIsAskedByOneAtATime) {
+    const ZEMO::Test::ImportReplaced slow{"setlocale", &slowSetlocale};
+    callsMet = false;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([thread] {
+                for (int i = 0; i < 20; ++i) {
+                    thread % 2 ? Core::setUserLocaleInUtf8() : LocaleSetter().setUTF8PreservePreSettedLocale();
+                }
+            });
+        }
+    }
+    EXPECT_FALSE(callsMet) << "the text that one reads may be freed by the other";
 }
 
 TEST_F(LocaleSetterCalls, Assignments_DoNothing) {

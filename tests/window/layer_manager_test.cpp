@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <latch>
 #include <system_error>
 
 #include "layers/window_messages.h"
@@ -669,6 +670,32 @@ TEST_F(LayerManager, Destroyed_GivesTheWindowItsProcedureBackAndFreesTheHookModu
         EXPECT_EQ(GetWindowLongPtrW(game.handle(), GWLP_WNDPROC), before);
     });
     EXPECT_EQ(GetModuleHandleW(L"msimg32.dll"), nullptr);
+}
+
+TEST_F(LayerManager, HookModulesOfEightThreadsAtOnce_AllAreFreedWithIt) {
+    constexpr int kThreads = 8;
+    constexpr int kModules = 2000;
+    const wchar_t* const name = L"msimg32.dll";
+    HMODULE module = nullptr;
+    // Loaded before: the loader lets one thread in at a time, and they would not meet.
+    for (int i = 0; i < kThreads * kModules; ++i) {
+        module = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        ASSERT_TRUE(module);
+    }
+    {
+        ZEMOMultiLayerManager own;
+        std::latch start(kThreads);
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < kThreads; ++thread) {
+            threads.emplace_back([&] {
+                start.arrive_and_wait();
+                for (int i = 0; i < kModules; ++i) own.setGraphicsHookModule(module);
+            });
+        }
+        threads.clear();
+        EXPECT_EQ(own.getGraphicsHookModule(), module);
+    }
+    EXPECT_EQ(GetModuleHandleW(name), nullptr) << "each load is freed once";
 }
 
 TEST_F(LayerManager, SubclassedWindowWithoutLayer_LetsTheGameAnswer) {

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include "support/stand_in_keyboard.h"
+
 namespace ZEMO::Test {
 namespace {
 
@@ -38,6 +40,16 @@ TEST(MainWindow, OwnedOneAboveIt_OwnerIsChosen) {
     const TopWindow dialog(WS_VISIBLE, game.window);
     ASSERT_EQ(GetWindow(dialog.window, GW_OWNER), game.window);
     EXPECT_EQ(UI::findMainWindow(), game.window);
+}
+
+TEST(MainWindow, AnotherProcessesWindowAboveIt_OwnOneIsChosen) {
+    const TopWindow game(WS_VISIBLE);
+    const HelperProcess other(helperPath(L"stand_in_keyboard.exe"), {});
+    const HWND foreign = StandInKeyboard::window();
+    ASSERT_TRUE(foreign && IsWindowVisible(foreign));
+    SetWindowPos(foreign, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    EXPECT_EQ(UI::findMainWindow(), game.window);
+    StandInKeyboard::end();
 }
 
 TEST(MainWindow, TwoThatWouldDo_UpperOneIsChosen) {
