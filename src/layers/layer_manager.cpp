@@ -21,7 +21,7 @@
 #include "layers/window_messages.h"
 #include "layers/window_thread_calls.h"
 #include "layers/xinput_switch.h"
-#include "render/graphics_hook.h"
+#include "render/hook/graphics_hooker.h"
 
 namespace ZEMO::UI {
 
@@ -35,6 +35,7 @@ bool isPrivateImeMessage(UINT message) { return message == kMessageImeFocus || m
 ZEMOMultiLayerManager::~ZEMOMultiLayerManager() {
     if (const WNDPROC previous = previousWindowProc)
         SetWindowLongPtrW(mainWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
+    ZEMOGraphicsHooker::instance().forgetRenderer();  // it goes with the module
 }
 
 void ZEMOMultiLayerManager::setGraphicsHookModule(HMODULE module) {
@@ -71,7 +72,7 @@ void ZEMOMultiLayerManager::replaceLostMainWindow() {
 
 LRESULT CALLBACK ZEMOMultiLayerManager::layerWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (runWindowThreadCalls(hwnd, message)) return 0;
-    if (message == WM_DESTROY) ZEMOGraphicsHooker::onGameWindowDestroyed(message, wParam, lParam);
+    if (message == WM_DESTROY) ZEMOGraphicsHooker::instance().onGameWindowDestroyed(message, wParam, lParam);
     ZEMOMultiLayerManager& manager = instance();
     LRESULT result = 0;
     if (manager.dispatchMessage(&result, hwnd, message, wParam, lParam)) return result;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "zemo/rendering_mode.h"
+
 // The graphics API of the game, one value for the process. It starts unknown and is found once, by the graphics hook
 // or, without one, as OpenGL.
 namespace ZEMO::UI {
-
-enum class RenderingMode : int { D3D11 = 0, D3D12 = 1, OpenGL = 2, Vulkan = 3, Unknown = 4 };
 
 /// Any thread.
 RenderingMode getRenderingMode();

@@ -1,2 +1,1 @@
-// Stands beside a test as the graphics hook module. It has nothing in it: the library only loads it and keeps its
-// handle.
+// Stands beside a test as a graphics hook module that exports nothing.

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "core/process_end.h"
-#include "render/cef_render_hook.h"
 #include "render/cef_render_osr.h"
+#include "render/hook/cef_render_hook.h"
 
 namespace ZEMO::UI {
 namespace {
