@@ -5,10 +5,14 @@
 #include <cstdio>
 #include <cwchar>
 
-/// The example of the front page, as it stands there. Compiled only: an engine is not needed here.
+// The examples of the front page and the guides, as they stand there. Compiled only: an engine is not needed here.
 [[maybe_unused]] static void readmeExample(const ZEMO::UI::OsrFramePresentCallback& takeFrame,
                                            const std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>& delegate) {
 #include "readme_example.inc"
+}
+
+[[maybe_unused]] static void scriptGuide(const std::shared_ptr<ZEMO::UI::IZEMOWebView>& view) {
+#include "script_guide.inc"
 }
 
 int main() {
