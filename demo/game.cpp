@@ -3,8 +3,8 @@
 #include "text.h"
 #include "ui_library.h"
 
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <utility>
 
@@ -13,6 +13,8 @@ namespace demo {
 namespace {
 
 constexpr auto kFrameTime = std::chrono::microseconds(16667);
+/// Of what the exchange sells, in the order of its page's list. A page says what it wants, never what that costs.
+constexpr std::array kPrices{320, 180, 90, 240, 60};
 
 double secondsSince(Clock::time_point moment) { return std::chrono::duration<double>(Clock::now() - moment).count(); }
 
@@ -186,6 +188,11 @@ void Game::handlePageEvents() {
 
 void Game::handlePageEvent(const PageEvent& event, bool isTop) {
     if (event.kind == PageEvent::Kind::Completed) tellPage();
+    // Only the game's own pages may buy.
+    if (event.kind == PageEvent::Kind::Completed && isTop && hasOwnPages()) topPage()->bind("store");
+    // A call carries nothing of the page's own: what is wanted, the game asks for.
+    if (event.kind == PageEvent::Kind::Called && isTop) topPage()->ask("window.nextOrder?.()");
+    if (event.kind == PageEvent::Kind::Answer && isTop) sell(*topPage(), event.text);
     if (event.kind == PageEvent::Kind::Failed) std::printf("page %d: load error %d\n", event.page, event.value);
     if (event.kind == PageEvent::Kind::Command && isTop) handleCommand(event.text);
     // The callback doesn't say which view; it is the one in front that has the controller.
@@ -209,9 +216,6 @@ void Game::handleCommand(const std::string& command) {
         credits += 250;
         scene.celebrate(secondsSince(startedAt));
         tellPage();
-    } else if (name == "take") {
-        credits -= std::atoi(parameter(command, "price").c_str());
-        tellPage();
     } else if (name == "ship") {
         notice = L"Ship: " + toWide(parameter(command, "name")) + L", " + toWide(parameter(command, "dock"));
     } else if (name == "buy") {
@@ -221,9 +225,19 @@ void Game::handleCommand(const std::string& command) {
     }
 }
 
+void Game::sell(PagePanel& buyer, const std::string& order) {
+    std::size_t number = kPrices.size();
+    std::from_chars(order.data(), order.data() + order.size(), number);
+    if (number >= kPrices.size()) return;  // nothing was ordered
+    const bool isAffordable = kPrices[number] <= credits;
+    if (isAffordable) credits -= kPrices[number];
+    buyer.run("onGame({credits: " + std::to_string(credits) + (isAffordable ? ", sold: " : ", refused: ") +
+              std::to_string(number) + "})");
+}
+
 void Game::tellPage() {
     PagePanel* page = topPage();
-    if (!page || !page->isLoaded() || options.page.kind != PageSource::Kind::BuiltIn) return;
+    if (!page || !page->isLoaded() || !hasOwnPages()) return;
     page->run("window.onGame && onGame({credits: " + std::to_string(credits) + "});");
 }
 

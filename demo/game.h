@@ -49,6 +49,7 @@ public:
     /// The page as the game has it, and what the newest update of it was.
     const PageImage& pageImage() const { return image; }
     const PageSurface::Update& pageUpdate() const { return update; }
+    int playersCredits() const { return credits; }
     CallbackFigures callbackFigures() const { return surface->figures(); }
 
     /// Hears each event after the game has dealt with it.
@@ -65,7 +66,9 @@ private:
     void handlePageEvents();
     void handlePageEvent(const PageEvent& event, bool isTop);
     void handleCommand(const std::string& command);
+    void sell(PagePanel& buyer, const std::string& order);
     void pollPad();
+    bool hasOwnPages() const { return options.page.kind == PageSource::Kind::BuiltIn; }
     void tellPage();
     void updateHud();
     std::wstring keyHints(bool isPageShown) const;

@@ -69,9 +69,10 @@ private:
     const std::shared_ptr<PageEventQueue> events;
 };
 
-PagePanel::PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> events)
+PagePanel::PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> queue)
     : settings(chosen),
-      listener(std::make_shared<Listener>(chosen.number, std::move(events))),
+      events(std::move(queue)),
+      listener(std::make_shared<Listener>(chosen.number, events)),
       view(ZEMO::UI::createWebViewDefault()) {
     view->setWebViewDelegate(listener);
     view->setViewDelegate(listener);
@@ -125,6 +126,20 @@ void PagePanel::close() {
 
 void PagePanel::run(const std::string& script) {
     view->evaluateJavascript(script, [](std::string, std::string) {});
+}
+
+void PagePanel::ask(const std::string& script) {
+    view->evaluateJavascript(script, [events = events, page = number()](std::string result, const std::string& error) {
+        if (error.empty()) events->push({PageEvent::Kind::Answer, page, 0, std::move(result)});
+    });
+}
+
+void PagePanel::bind(const std::string& name) {
+    // The first registration of a name stays, so the second document changes nothing here; but it has no object yet.
+    view->addJavascriptCallback(name, [events = events, page = number()](std::string message) {
+        events->push({PageEvent::Kind::Called, page, 0, std::move(message)});
+    });
+    run(view->bindObject(name, name));
 }
 
 }  // namespace demo

@@ -14,13 +14,13 @@ namespace demo {
 
 /// Something that happened to a page, on its way to the game thread.
 struct PageEvent {
-    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command, PadUse };
-    static constexpr int kKinds = static_cast<int>(Kind::PadUse) + 1;
+    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command, PadUse, Called, Answer };
+    static constexpr int kKinds = static_cast<int>(Kind::Answer) + 1;
 
     Kind kind = Kind::Shown;
     int page = 0;      ///< the panel's number
     int value = 0;     ///< for Failed the error, for PadUse 1 or 0
-    std::string text;  ///< for Command: what stands behind "game://"
+    std::string text;  ///< for Command: what stands behind "game://"; for Called the object's name, for Answer JSON
 };
 
 /// Delegates are called on the engine's thread and may not keep it waiting, so they only leave a note here; the game
@@ -47,7 +47,7 @@ public:
         float height = 0;
     };
 
-    PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> events);
+    PagePanel(const Settings& chosen, std::shared_ptr<PageEventQueue> queue);
     ~PagePanel();
     PagePanel(const PagePanel&) = delete;
     PagePanel& operator=(const PagePanel&) = delete;
@@ -66,11 +66,17 @@ public:
     void close();
     /// Runs `script` in the page; the answer doesn't matter.
     void run(const std::string& script);
+    /// Runs `script` in the page; its result comes as an Answer event. A script that fails gives none.
+    void ask(const std::string& script);
+    /// Gives the page's scripts an object of that name: each use of it comes as a Called event, the first one when it
+    /// is there. Once for each document.
+    void bind(const std::string& name);
 
 private:
     class Listener;
 
     const Settings settings;
+    const std::shared_ptr<PageEventQueue> events;
     // The library holds its delegates weakly: this pointer is what keeps the listener alive.
     std::shared_ptr<Listener> listener;
     std::shared_ptr<ZEMO::UI::IZEMOWebView> view;

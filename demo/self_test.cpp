@@ -24,6 +24,9 @@ constexpr Colour kSecondPage{112, 32, 144, 255};
 constexpr Colour kReloaded{32, 144, 144, 255};
 constexpr Colour kNothing{0, 0, 0, 0};
 constexpr Colour kBackground{237, 238, 246, 255};  // what the library puts under a page that it draws itself
+/// What pages/outpost.html shows of credits and goods.
+constexpr char kStoreText[] =
+    "credits.textContent + ' | ' + [...document.querySelectorAll('.take')].map((b) => b.textContent).join(' ')";
 
 PageSource plainPage(const Colour& c) {
     return {PageSource::Kind::Html,
@@ -54,6 +57,7 @@ public:
         }
         stage.step("page takes clicks, text, a choice, the wheel", [this] { input.onThePage(); });
         stage.step("close button closes its page", [this] { input.closeButton(); });
+        stage.step("store page buys, credits change on both sides", [this] { buy(); });
         if (stage.isCallback()) {
             stage.step("controller plays a page made for it", [this] { input.padPage(); });
             stage.step("resized window gets a whole frame of its size", [this] { resize(); });
@@ -210,6 +214,34 @@ private:
             expectDrawn("the blinking block after a partial upload", kBlink, stage.onPage(kBlink.x, kBlink.y), 0);
             expectDrawn("the red block after a partial upload", kRed, kRed.colour, 0);
         }
+    }
+
+    /// Clicks by script: in a small window the page hides its goods.
+    void buy() {
+        const int completed = stage.count(PageEvent::Kind::Completed), calls = stage.count(PageEvent::Kind::Called);
+        PagePanel& page = game.openPage({PageSource::Kind::BuiltIn, "outpost"});
+        stage.awaitMore(PageEvent::Kind::Completed, completed, "navigationCompleted of the store did not come");
+        stage.awaitMore(PageEvent::Kind::Called, calls, "the store's object was not bound");
+        awaitStore(page, 1250, "\"1,250 | 320 180 90 240 60\"");
+        page.run("document.querySelectorAll('.take')[1].click()");
+        awaitStore(page, 1070, "\"1,070 | 320 Yours 90 240 60\"");
+        page.run("for (const button of document.querySelectorAll('.take')) button.click()");
+        awaitStore(page, 360, "\"360 | Yours Yours Yours Yours Yours\"");
+        page.run("orders.push(0), store.postMessage(), orders.push(0), store.postMessage()");
+        awaitStore(page, 40, "\"40 | Yours Yours Yours Yours Yours\"");
+        stage.game.closeTopPage();
+    }
+    void awaitStore(PagePanel& page, int credits, const std::string& shown) {
+        const auto hasBoth = [&] { return game.playersCredits() == credits && stage.answer() == shown; };
+        stage.await(
+            [&] {
+                if (!hasBoth()) page.ask(kStoreText);
+                return hasBoth();
+            },
+            [&] {
+                return text("the game has %d credits, the page shows %s", game.playersCredits(),
+                            stage.answer().c_str());
+            });
     }
 
     void resize() {

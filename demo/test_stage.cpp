@@ -30,6 +30,7 @@ TestStage::TestStage(Game& shown, const Options& chosen)
     game.onPageEvent = [this](const PageEvent& event) {
         ++counts[static_cast<std::size_t>(event.kind)];
         if (event.kind == PageEvent::Kind::Command) commands.push_back(event.text);
+        if (event.kind == PageEvent::Kind::Answer) newestAnswer = event.text;
     };
 }
 

@@ -48,6 +48,8 @@ public:
     /// The newest command of a page that begins with `start`; empty when there is none.
     std::string command(const std::string& start) const;
     void forgetCommands() { commands.clear(); }
+    /// The newest result of a script, as JSON.
+    const std::string& answer() const { return newestAnswer; }
 
     int px(double logical) const;
     Colour onPage(double x, double y) const { return colourOf(game.pageImage(), px(x), px(y)); }
@@ -66,6 +68,7 @@ public:
 private:
     int counts[PageEvent::kKinds] = {};
     std::vector<std::string> commands;
+    std::string newestAnswer;
 };
 
 }  // namespace demo

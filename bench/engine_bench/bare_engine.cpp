@@ -42,7 +42,7 @@ std::wstring localeName(LCTYPE what) {
 
 // The library's road to a running engine (src/engine/cef_module.cpp) without all that is the library's own. Switches
 // and scheme come from the library's own WebApp, so that they stay the same ones.
-std::string startEngine(const std::wstring& cacheName) {
+std::string startEngine(const std::wstring& cacheName, const std::wstring& childProgram) {
     const std::wstring base = programDirectory();
     std::string reason;
     if (!cefLoadLibrary(base.c_str(), &reason)) return reason;
@@ -55,7 +55,8 @@ std::string startEngine(const std::wstring& cacheName) {
     settings.multi_threaded_message_loop = false;
     settings.windowless_rendering_enabled = true;
     CefString(&settings.cache_path).FromWString(cache);
-    CefString(&settings.browser_subprocess_path).FromWString(UI::selectSubprocess(base));
+    CefString(&settings.browser_subprocess_path)
+        .FromWString(childProgram.empty() ? UI::selectSubprocess(base) : base + L"\\" + childProgram);
     CefString(&settings.locales_dir_path).FromWString(base + L"\\cefsubprocess\\locales");
     CefString(&settings.locale).FromWString(languages);
     CefString(&settings.accept_language_list).FromWString(languages);
@@ -67,11 +68,11 @@ std::string startEngine(const std::wstring& cacheName) {
 
 }  // namespace
 
-void startBareEngine(const std::wstring& cacheName) {
+void startBareEngine(const std::wstring& cacheName, const std::wstring& childProgram) {
     std::promise<std::string> started;
     std::future<std::string> failure = started.get_future();
-    std::thread([cacheName, started = std::move(started)]() mutable {
-        const std::string reason = startEngine(cacheName);
+    std::thread([cacheName, childProgram, started = std::move(started)]() mutable {
+        const std::string reason = startEngine(cacheName, childProgram);
         started.set_value(reason);
         if (reason.empty()) CefRunMessageLoop();
     }).detach();
@@ -100,6 +101,16 @@ void BareClient::OnAfterCreated(CefRefPtr<CefBrowser> created) { browser = creat
 void BareClient::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
     browser = nullptr;
     ended = true;
+}
+
+void BareClient::OnLoadEnd(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame, int /*httpStatusCode*/) {
+    if (onLoaded) onLoaded(frame);
+}
+
+bool BareClient::OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame,
+                                          CefProcessId /*source_process*/, CefRefPtr<CefProcessMessage> message) {
+    if (onMessage) onMessage(frame, message);
+    return true;
 }
 
 void BareClient::GetViewRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& rect) { rect.Set(0, 0, width, height); }

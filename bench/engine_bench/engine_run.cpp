@@ -17,6 +17,7 @@
 #include "engine_bench/frame_watch.h"
 #include "engine_bench/measured.h"
 #include "engine_bench/pages.h"
+#include "engine_bench/script_times.h"
 
 namespace ZEMO::Bench {
 namespace {
@@ -33,15 +34,15 @@ constexpr auto kWarmUp = 1s;
 constexpr wchar_t kBareCache[] = L"bench_cache";
 
 std::string toText(const RunOrder& order) {
-    return std::format("{} {} {} {} {}", order.host == Host::Library ? "library" : "bare", order.width, order.height,
-                       order.countSeconds, order.address);
+    return std::format("{} {} {} {} {:d} {}", order.host == Host::Library ? "library" : "bare", order.width,
+                       order.height, order.countSeconds, order.runsScripts, order.address);
 }
 
 RunOrder orderFrom(const std::string& text) {
     RunOrder order;
     std::string host;
     std::istringstream words(text);
-    words >> host >> order.width >> order.height >> order.countSeconds >> order.address;
+    words >> host >> order.width >> order.height >> order.countSeconds >> order.runsScripts >> order.address;
     if (!words || (host != "library" && host != "bare")) throw std::runtime_error("no order: " + text);
     order.host = host == "library" ? Host::Library : Host::Bare;
     return order;
@@ -111,13 +112,23 @@ RunResult runBare(const RunOrder& order) {
     return result;
 }
 
+RunResult runOrder(const RunOrder& order) {
+    if (order.runsScripts) return {.scripts = order.host == Host::Library ? timeLibrary(order) : timeBare(order)};
+    return order.host == Host::Library ? runLibrary(order) : runBare(order);
+}
+
 int carryOut() {
     const char* file = std::getenv(kResultVariable);
     require(file != nullptr, "place for the result");
     const RunOrder order = orderFrom(std::getenv(kOrderVariable));
-    const RunResult result = order.host == Host::Library ? runLibrary(order) : runBare(order);
-    std::ofstream(file) << result.firstFrameMs << ' ' << result.pageShownMs << ' ' << result.pictures << ' '
-                        << result.framesPerSecond << " done\n";
+    const RunResult result = runOrder(order);
+    std::ofstream out(file);
+    out << result.firstFrameMs << ' ' << result.pageShownMs << ' ' << result.pictures << ' ' << result.framesPerSecond;
+    for (const std::vector<double>& times : result.scripts) {
+        out << ' ' << times.size();
+        for (const double time : times) out << ' ' << time;
+    }
+    out << " done\n";
     return 0;
 }
 
@@ -186,7 +197,14 @@ RunResult runInOwnProcess(const RunOrder& order) {
     RunResult result;
     std::string word;
     std::istringstream words(contentOf(results));
-    words >> result.firstFrameMs >> result.pageShownMs >> result.pictures >> result.framesPerSecond >> word;
+    words >> result.firstFrameMs >> result.pageShownMs >> result.pictures >> result.framesPerSecond;
+    for (std::vector<double>& times : result.scripts) {
+        size_t count = 0;
+        words >> count;
+        times.resize(words ? count : 0);
+        for (double& time : times) words >> time;
+    }
+    words >> word;
     const std::string said = contentOf(errors);
     std::filesystem::remove(results, ignored);
     std::filesystem::remove(errors, ignored);

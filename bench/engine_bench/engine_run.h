@@ -1,9 +1,14 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
 namespace ZEMO::Bench {
+
+/// Microseconds of each round trip of a script, one list for each size of kAnswerBytes.
+using ScriptTimes = std::array<std::vector<double>, 3>;
+inline constexpr std::array kAnswerBytes{100, 10 << 10, 512 << 10};
 
 enum class Host { Library, Bare };
 
@@ -12,8 +17,9 @@ enum class Host { Library, Bare };
 struct RunOrder {
     Host host = Host::Library;
     int width = 0, height = 0;
-    int countSeconds = 0;  ///< how long new pictures are counted; 0: only the first frames
-    std::string address;   ///< one word
+    int countSeconds = 0;      ///< how long new pictures are counted; 0: only the first frames
+    bool runsScripts = false;  ///< round trips of scripts are timed, and no pictures
+    std::string address;       ///< one word
 };
 
 /// What one run found.
@@ -22,6 +28,7 @@ struct RunResult {
     double pageShownMs = 0;      ///< to the first frame that shows the page; 0 where pictures are counted
     int pictures = 0;            ///< in the counted seconds
     double framesPerSecond = 0;  ///< by the times of the first and the last of them
+    ScriptTimes scripts;         ///< where scripts were run
 };
 
 /// Runs the order in a process of its own and waits for its end and that of its helpers. Throws std::runtime_error with

@@ -46,10 +46,10 @@ public:
 /// and every page can read files of the served kinds through the library's own scheme, also outside of its resource
 /// folder. Show only pages that are trusted like the game itself (docs/security.md).
 ///
-/// Used from one thread, the caller's. Before the first show the load operations only store what to load, the last call
-/// of each kind wins; from then on each loads at once, in the same browser. Between show and the first
-/// navigationStarting the browser is still being made: do not load, go back or go forward in that time. Nothing here
-/// reports an error by value: a failed load arrives as navigationFailed.
+/// Used from one thread, the caller's, but for the three operations of scripts. Before the first show the load
+/// operations only store what to load, the last call of each kind wins; from then on each loads at once, in the same
+/// browser. Between show and the first navigationStarting the browser is still being made: do not load, go back or go
+/// forward in that time. Nothing here reports an error by value: a failed load arrives as navigationFailed.
 class IZEMOWebView : public IZEMOView {
 public:
     /// Held weakly. A view without a living delegate never gets its close button. Before show: the engine thread reads
@@ -76,17 +76,60 @@ public:
     /// No effect.
     virtual void reserved(std::string text) = 0;
 
-    /// Runs `script` in the page and hands its two result strings to `callback`, on the engine thread. Queued until the
-    /// page has loaded. Dropped before show; an answer after close is dropped too.
+    /// Runs `script` in the page's main frame, as a script of the page, and hands two UTF-8 texts to `callback`:
+    ///
+    /// - the result, the value of the script's last statement, as JSON: 42 gives "42", a text comes in quotes. Empty
+    /// for
+    ///   undefined and for a function, which have none. A promise is awaited, and what it brings is the result.
+    /// - the error as a browser's console words it ("Uncaught Error: broken"), with an empty result; empty on success.
+    /// A
+    ///   value that JSON can't hold (a ring of objects, a BigInt) is an error too.
+    ///
+    /// The script waits until the page has loaded, and after each load operation for the new page; what waits runs in
+    /// the order of the calls. Answers keep that order, but for promises that settle later. Top-level const and let
+    /// stay in the page, so a script that is run twice wants a block around them.
+    ///
+    /// Any thread, once show has returned. `callback` comes on the engine thread, once: it must not block, nor drop the
+    /// view; it may ask again. An empty one is allowed. It is never called when there is no answer: before show, where
+    /// the call is dropped; while the view is closed (the script still runs); when the page is left or its process dies
+    /// first (navigationFailed tells of that with -600, and what is asked from then on waits for the page to come
+    /// back); and when no page ever loads. What it holds stays until the view ends, called or not.
+    ///
+    /// A page answers what it likes: read the result as a stranger's text. Put no text into `script` that is not the
+    /// game's own, unless it is written as JSON.
+    ///
+    ///     view->evaluateJavascript("document.title", [](std::string json, std::string error) { ... });
     virtual void evaluateJavascript(std::string script, std::function<void(std::string, std::string)> callback) = 0;
 
-    /// Calls `callback` on the engine thread when the page uses the object `name`. The first registration of a name
-    /// stays. Dropped before show.
+    /// Calls `callback` on the engine thread each time the page's scripts call `name`.postMessage(), with the text that
+    /// bindObject has for the name; without one nothing is called. Nothing of the page's own arrives: `callback` asks
+    /// the page with evaluateJavascript where it needs more.
+    ///
+    /// Any thread, once show has returned; dropped before. The first registration of a name stays as long as the view,
+    /// over all pages that it shows; a later one is dropped without a word. `callback` must not block, nor drop the
+    /// view.
+    ///
+    /// Every page that the view shows can call it, as often as it likes, once the name is known to it: a game that
+    /// leaves its own pages decides in navigationRequested where a view may go, or looks at what page it is before it
+    /// acts.
     virtual void addJavascriptCallback(std::string name, std::function<void(std::string)> callback) = 0;
 
-    /// Registers `message` for the object `name` (not before show) and returns the script that binds it; the caller
-    /// runs it with evaluateJavascript. Neither text is escaped: both must be the game's own, never a player's or a
-    /// page's.
+    /// Stores `message` for the object `name`, and returns the script that binds the object in a page:
+    ///
+    ///     window.BindObjectAsync("NAME").then(function(result) {NAME.postMessage("NAME",'MESSAGE');})
+    ///
+    /// The game runs it with evaluateJavascript, once in every page that shall have the object: a new document knows
+    /// none. From then on the page has a global NAME with postMessage, in its main frame only; as the script calls that
+    /// once, the callback of addJavascriptCallback hears right away that the object is there. A page may call
+    /// window.BindObjectAsync(NAME) by itself too, which gives a promise of the object, and is rejected for a name that
+    /// can't be taken ("location").
+    ///
+    /// `name` must be an identifier of JavaScript. Neither text is escaped: a quote, a backslash or a line break in
+    /// `message` breaks the script, and a text from elsewhere would run in the page with its rights. Use texts of your
+    /// own, letters and digits best; the callback gets `message` from this process in any case, whatever a page sends.
+    ///
+    /// Any thread, once show has returned. The first message of a name stays as long as the view; a later call returns
+    /// its own script all the same. Before show the script is returned and nothing is stored.
     virtual std::string bindObject(std::string name, std::string message) = 0;
 
     /// One page back in this view's history; no effect without one.

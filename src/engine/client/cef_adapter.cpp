@@ -108,6 +108,7 @@ bool CefAdapter::OnBeforeBrowse(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<Cef
 void CefAdapter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, TerminationStatus /*status*/,
                                            int /*error_code*/, const CefString& /*error_string*/) {
     assert(isOnEngineThread());
+    getJavascriptProcessor()->resetPageReady();  // what is asked from now on is for the page that comes back
     browser->Reload();
     getIme().onPageGone(browser);
     navigationFailed(kRenderProcessGone);
