@@ -10,7 +10,7 @@ namespace {
 /// then read or forge what belongs to the game.
 constexpr char kDocumentScript[] = R"((function(send, noJson) {
     'use strict';
-    const { stringify } = JSON, { defineProperty, freeze } = Object, text = String;
+    const { stringify } = JSON, { defineProperty, freeze, getOwnPropertyDescriptor } = Object, text = String;
     const objects = { __proto__: null };
 
     const errorText = (where, error) => {
@@ -31,8 +31,10 @@ constexpr char kDocumentScript[] = R"((function(send, noJson) {
     const BindObjectAsync = async (name) => {
         name = text(name);
         const value = objects[name] ??= freeze({ postMessage() { send(name); } });
-        // Not by assignment: names like `location` take one in their own way.
-        defineProperty(window, name, { value, configurable: true, enumerable: true, writable: true });
+        // Not by assignment: names like `location` take one in their own way. A page's own `var` keeps its kind.
+        const there = getOwnPropertyDescriptor(window, name);
+        const fixed = there && !there.configurable;
+        defineProperty(window, name, fixed ? { value } : { value, configurable: true, enumerable: true, writable: true });
         return value;
     };
     defineProperty(window, 'BindObjectAsync', { value: BindObjectAsync, configurable: true, writable: true });

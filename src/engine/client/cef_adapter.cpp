@@ -1,6 +1,7 @@
 #include "engine/client/cef_adapter.h"
 
 #include <system_error>
+#include <utility>
 
 #include "core/game_callback.h"
 #include "core/log.h"
@@ -65,7 +66,7 @@ void CefAdapter::reportRefusedAddress(const std::string& address) {
 
 void CefAdapter::navigationCompleted() {
     Core::logDebugA("navigationCompleted\n");
-    getJavascriptProcessor()->flushQueuedEvaluations();
+    if (!std::exchange(isEndOfFailedLoad, false)) getJavascriptProcessor()->flushQueuedEvaluations();
     if (const auto target = gameDelegate()) target->navigationCompleted(delegate.view.lock());
 }
 
@@ -74,14 +75,16 @@ bool CefAdapter::navigationRequested(std::string url) {
     return !target || target->navigationRequested(delegate.view.lock(), std::move(url));
 }
 
-void CefAdapter::OnLoadStart(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+void CefAdapter::OnLoadStart(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame,
                              TransitionType /*transition_type*/) {
     assert(isOnEngineThread());
+    if (frame && frame->IsMain()) failedAddress.clear();
     navigationStarting();
 }
 
-void CefAdapter::OnLoadEnd(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> /*frame*/, int /*httpStatusCode*/) {
+void CefAdapter::OnLoadEnd(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int /*httpStatusCode*/) {
     assert(isOnEngineThread());
+    isEndOfFailedLoad = frame && frame->IsMain() && !failedAddress.empty() && frame->GetURL() == failedAddress;
     navigationCompleted();
     browser->GetHost()->SetFocus(true);
 }
@@ -89,6 +92,7 @@ void CefAdapter::OnLoadEnd(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> /*
 void CefAdapter::OnLoadError(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame, ErrorCode errorCode,
                              const CefString& /*errorText*/, const CefString& failedUrl) {
     assert(isOnEngineThread());
+    if (frame && frame->IsMain()) failedAddress = failedUrl;
     switch (errorCode) {
         case ERR_ABORTED:
             return;  // a newer navigation took its place

@@ -51,6 +51,10 @@ private:
     std::shared_ptr<ZEMOWebViewDelegate> gameDelegate() const;
 
     WebViewLink delegate;
+    // A failed load ends as a load of the engine's own error page, a load that a newer one has cut off ends as well:
+    // neither is the page that waiting scripts are meant for.
+    CefString failedAddress;  ///< of the main frame's last failed load, until another one starts
+    bool isEndOfFailedLoad = false;
 };
 
 }  // namespace ZEMO::UI
