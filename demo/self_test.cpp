@@ -150,7 +150,7 @@ private:
     void drawnByLibrary() {
         const HWND window = stage.pageWindow();
         display(window);
-        awaitDisplay(window, "the transparent part", stage.px(kClear.x), stage.px(kClear.y), kBackground, 1);
+        awaitDisplay(window, "the transparent part", stage.px(kClear.x), stage.px(kClear.y), kBackground);
         const auto under = [](int over, int beneath) { return over + beneath * (255 - kHalfBlue.colour.alpha) / 255; };
         const Colour& page = kHalfBlue.colour;
         awaitDisplay(window, kHalfBlue.name, stage.px(kHalfBlue.x), stage.px(kHalfBlue.y),

@@ -277,7 +277,6 @@ TEST_F(ConsumerCalls, PopupPlacedInAnOwnWindow_OnlyTheRendererHears) {
 
 TEST_F(ConsumerCalls, PopupShownAndHidden_RectangleClearedAndThePageAskedForBeforeTheRendererHears) {
     for (const auto style : {WindowStyle::Layer, WindowStyle::Window}) {
-        const Names consumer = style == WindowStyle::Layer ? Names{"onPopupShow true"} : Names{};
         const auto client = make(style);
         const CefRefPtr<CefBrowser> browser = recordingBrowser(calls);
         client->OnPopupShow(browser, true);
@@ -288,6 +287,7 @@ TEST_F(ConsumerCalls, PopupShownAndHidden_RectangleClearedAndThePageAskedForBefo
         if (style == WindowStyle::Layer) hidden.insert(hidden.begin(), "onPopupShow false");
         EXPECT_EQ(calls->take(), hidden);
         client->close();
+        calls->take();
     }
 }
 

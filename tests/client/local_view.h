@@ -52,8 +52,9 @@ public:
     CefRefPtr<CefBrowserHost> browserHost() { return adapter->getBrowser()->GetHost(); }
     /// Logical pixels of the page.
     void click(int x, int y);
-    /// Waits until the window's newest picture is the engine's newest frame; beside the close icon, if there is one.
-    /// `exactly` where a page is opaque; one step in a channel where it is blended.
+    /// Waits until the window's newest picture is the engine's newest frame over the background, with the close icon if
+    /// there is one: equal where the page is opaque or clear, within one step where it is blended, within two in the
+    /// icon's square.
     bool waitForPicture(const char* what, const std::function<bool()>& holds);
 
     const std::shared_ptr<EngineFrames> frames = std::make_shared<EngineFrames>();

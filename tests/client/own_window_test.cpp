@@ -103,7 +103,7 @@ bool samePicture(const ShownPicture& shown, const std::vector<uint32_t>& frame) 
     if (shown.pixels.size() != frame.size()) return false;
     for (size_t i = 0; i < frame.size(); ++i) {
         const uint32_t alpha = frame[i] >> 24;
-        const int tolerance = alpha == 255 ? 0 : 1;
+        const int tolerance = alpha == 0 || alpha == 255 ? 0 : 1;
         if (channelDistance(shown.pixels[i], overBackground(frame[i])) > tolerance) return false;
     }
     return true;
@@ -154,9 +154,10 @@ TEST(OwnWindow, ScreenBesideACallback_ShowsTheSamePicture_Scale150) { checkSameP
 
 TEST(OwnWindow, RealMouseClick_PageHearsAndTheWindowShowsIt) {
     HttpServer server;
-    server.serveHtml("/",
-                     "<!doctype html><body style='margin:0;background:#203040' onclick='document.body.style."
-                     "background=`rgb(${event.clientX},${event.clientY},7)`'>");
+    server.serveHtml(
+        "/",
+        "<!doctype html><body style='margin:0;height:100vh;background:#203040' onclick='document.body.style."
+        "background=`rgb(${event.clientX},${event.clientY},7)`'>");
     GameHost game({.presentCallback = false});
     ShownPictures pictures;
     NavigationRecorder events;
