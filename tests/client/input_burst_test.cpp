@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <format>
 #include <thread>
 
@@ -10,17 +11,19 @@
 namespace ZEMO::Test {
 namespace {
 
-constexpr int kThreads = 4, kRounds = 500;  // five events a round
+constexpr int kThreads = 4, kRounds = 500;         // five events a round
+constexpr std::chrono::minutes kBurstPatience{3};  // the engine takes some milliseconds for each on a crowded machine
 
 /// Keeps what came, in order: each thread has texts, a place and a key of its own. A press must not take the focus.
 constexpr char kKeeper[] = R"(<textarea id=field style='position:absolute;top:200px'></textarea><script>
 const texts = [], presses = [[], [], [], []], keys = [0, 0, 0, 0];
-let releases = 0;
+let releases = 0, kept = 0;
+const count = () => { if (++kept == 8000) fetch('/all') };
 const keep = (kind, handler) => addEventListener(kind, e => { e.stopImmediatePropagation(); handler(e) }, true);
-keep('input', e => { if (e.data && e.data.includes(':')) texts.push(e.data); field.value = '' });
-keep('mousedown', e => { e.preventDefault(); presses[e.clientX - 10].push(e.clientY) });
-keep('mouseup', () => ++releases);
-keep('keydown', e => ++keys[e.keyCode - 65]);
+keep('input', e => { if (e.data && e.data.includes(':')) { texts.push(e.data); count() } field.value = '' });
+keep('mousedown', e => { e.preventDefault(); presses[e.clientX - 10].push(e.clientY); count() });
+keep('mouseup', () => { ++releases; count() });
+keep('keydown', e => { ++keys[e.keyCode - 65]; count() });
 for (const kind of ['keypress', 'click', 'pointerdown', 'pointerup', 'dblclick']) keep(kind, () => {});
 const textsOf = thread => texts.map(t => t.split(':')).filter(t => t[0] == thread).map(t => +t[1]);
 const rising = (list, rule) => list.length == 500 && list.every((value, i) => value == rule(i));
@@ -41,6 +44,7 @@ void sendBurst(int thread) {
 
 TEST(InputBurst, TenThousandEventsFromFourThreadsForeground_ThePageHasAllAndEachThreadsInOrder) {
     InputPage page(InputPage::kLayer, 1.0f, kKeeper);
+    page.server.serve("/all", {});
     ASSERT_TRUE(page.open());
     page.ask("field.focus()");
     std::atomic<int> running{kThreads};
@@ -53,11 +57,11 @@ TEST(InputBurst, TenThousandEventsFromFourThreadsForeground_ThePageHasAllAndEach
     }
     EXPECT_TRUE(page.game.waitFor("the senders", [&] { return running == 0; }));
     for (std::thread& sender : senders) sender.join();
-    std::string now;
-    EXPECT_TRUE(page.game.waitFor("all of them", [&] {
-        now = page.ask("[texts.length,presses.map(p=>p.length),releases,keys].join()");
-        return now == "2000,500,500,500,500,2000,500,500,500,500";
-    })) << now;
+    // The page says so itself: a question would stand behind all of them in the engine's queue.
+    EXPECT_TRUE(
+        page.game.waitFor("all of them", [&] { return page.server.requestCount("/all") == 1; }, kBurstPatience));
+    EXPECT_EQ(page.ask("[texts.length,presses.map(p=>p.length),releases,keys].join()"),
+              "2000,500,500,500,500,2000,500,500,500,500");
     for (int thread = 0; thread < kThreads; ++thread) {
         EXPECT_EQ(page.ask(std::format("rising(textsOf({}), i => i)", thread)), "true") << thread;
         EXPECT_EQ(page.ask(std::format("rising(presses[{}], i => i % 180)", thread)), "true") << thread;

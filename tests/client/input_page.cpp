@@ -170,7 +170,7 @@ std::vector<UINT> InputPage::reachedGame() {
 
 std::string InputPage::ask(const std::string& expression) {
     const std::string script = "fetch('/log',{method:'POST',body:String(" + expression + ")})";
-    runOnEngine(game, [&] {
+    runOnEngine(game, [script] {  // its own: a wait that is given up leaves the task behind
         CefRefPtr<CefBrowser> newest;
         for (int id = 1; id <= kMostBrowsers; ++id) {
             if (const auto browser = CefBrowserHost::GetBrowserByIdentifier(id)) newest = browser;
