@@ -6,8 +6,12 @@ void PagePicture::takeFrame(UI::Hook::PaintElementType type, const UI::Hook::Rec
                             int width, int height) {
     const std::lock_guard lock(mutex);
     if (type == UI::Hook::PET_POPUP) return popup.take(nullptr, buffer, width, height);
+    const bool missed = hasMissedFrame;
+    // A minimised window's page. The one from before is right again as soon as the window is back.
+    hasMissedFrame = width < 2 || height < 2;
+    if (hasMissedFrame) return;
     // Hidden meanwhile: what is here may be another view's, so no part of it stays.
-    page.take(isShown() ? rects : nullptr, buffer, width, height);
+    page.take(isShown() && !missed ? rects : nullptr, buffer, width, height);
     if (!page.isEmpty()) shown.store(true, std::memory_order_release);
 }
 

@@ -56,6 +56,7 @@ private:
     std::atomic<bool> closeButton{false};
     std::mutex mutex;  ///< guards what follows
     Plane page;
+    bool hasMissedFrame = false;  ///< the page's last frame was not taken
     Plane popup;
     Rect16 popupPlace;
     bool popupVisible = false;

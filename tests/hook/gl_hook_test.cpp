@@ -117,7 +117,8 @@ TEST_F(GlHook, FiveHundredResizesMinimisesAndNewContexts_PageBackWithinThreePres
         }
         game.pass(2ms);
         for (int n = 0; n < 3; ++n) gl->present();
-        ASSERT_TRUE(frame.width < 20 || cornerIs(0x112233)) << "cycle " << i;
+        ASSERT_TRUE(frame.width < 20 || cornerIs(0x112233)) << "cycle " << i << ": " << std::hex << frame.at(5, 5)
+                                                            << std::dec << " in " << frame.width << "x" << frame.height;
         game.pass(5ms);
     }
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
