@@ -219,43 +219,6 @@ TEST_F(D3D11Hook, UnusualStateInTheGame_SameAfterTheHook) {
     EXPECT_GT(before.size(), 60u);
 }
 
-TEST_F(D3D11Hook, FiveHundredResizesMinimisesAndNewChains_PageBackWithinThreePresents) {
-    auto view = show(movingPage());
-    ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));
-    DWORD handlesBefore = 0, handlesAfter = 0;
-    for (int i = 0; i < 500; ++i) {
-        if (i == 100) GetProcessHandleCount(GetCurrentProcess(), &handlesBefore);
-        const UINT width = 300 + i % 7 * 20;
-        const UINT height = 220 + i % 3 * 20;
-        switch (i % 5) {
-            case 0:
-                d3d->remakeChain();
-                break;
-            case 1:
-                ShowWindow(game.window, SW_MINIMIZE);
-                d3d->present();
-                ShowWindow(game.window, SW_RESTORE);
-                break;
-            case 2:
-                SetWindowPos(game.window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-                ASSERT_EQ(d3d->resize(0, 0), S_OK) << "cycle " << i;
-                break;
-            default:
-                ASSERT_EQ(d3d->resize(width, height), S_OK) << "cycle " << i;
-        }
-        game.pass(2ms);
-        for (int n = 0; n < 3; ++n) d3d->present();
-        ASSERT_TRUE(frame.width < 20 || cornerIs(0x112233)) << "cycle " << i << ": " << std::hex << frame.at(5, 5)
-                                                            << std::dec << " in " << frame.width << "x" << frame.height;
-        game.pass(5ms);
-    }
-    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
-    EXPECT_LT(handlesAfter, handlesBefore + 40);
-    view->close();
-    view.reset();
-    EXPECT_EQ(d3d->end(), 0u) << "something holds the device";
-}
-
 TEST_F(D3D11Hook, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {
     auto view = show(solidPage("#112233"));
     ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));

@@ -54,12 +54,6 @@ void GlGame::makeContext() {
     wglMakeCurrent(dc, context);
 }
 
-void GlGame::remakeContext() {
-    wglMakeCurrent(nullptr, nullptr);
-    wglDeleteContext(context);
-    makeContext();
-}
-
 void GlGame::present() {
     glClearColor(40 / 255.0f, 80 / 255.0f, 120 / 255.0f, 1);
     glClear(GL_COLOR_BUFFER_BIT);

@@ -20,7 +20,6 @@ public:
     void present();
     /// Swaps what is there.
     void swap();
-    void remakeContext();
     /// From now on each frame is read as it goes to the screen: `hookModule` swaps for the game, so it is its call of
     /// the system's function that is watched.
     static void watchFrames(HMODULE hookModule);

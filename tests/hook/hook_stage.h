@@ -59,12 +59,4 @@ inline uint32_t quarterAt(int x, int y, int width, int height) {
     return right ? 0x785A55 : 0x00C040;  // half of 200, 100, 50 and half of the scene
 }
 
-/// Something moves in it all the time, except in the upper left corner.
-inline std::string movingPage() {
-    return "<!doctype html><style>html,body{margin:0;height:100%;background:#112233}@keyframes "
-           "m{from{left:60px}to{left:"
-           "200px}}i{position:absolute;top:60px;width:40px;height:40px;background:#fff;animation:m .5s linear infinite "
-           "alternate}</style><i></i>";
-}
-
 }  // namespace ZEMO::Test

@@ -100,43 +100,4 @@ TEST_F(HookRoad, GameWindowDestroyed_ModuleHearsTheMessage) {
     EXPECT_EQ(recording.count("onGameWindowDestroyed 2 0 0"), 1u);
 }
 
-TEST_F(HookRoad, ListOpens_PlacePaintAndFurtherPaintsThenItGoes) {
-    server.serveHtml("/",
-                     "<!doctype html><style>html,body{margin:0;height:100%;background:#112233}select{position:"
-                     "absolute;left:20px;top:10px;width:120px;height:24px}</style><select><option>a<option>b</select>"
-                     "<i style='position:absolute;left:200px;top:99px;width:9px;height:9px;background:#fff;animation:"
-                     "m 1s infinite'></i><style>@keyframes m{to{left:250px}}</style>");
-    recording.answer({0});
-    view->show();
-    ASSERT_TRUE(paintsArrive());
-    int tries = 0;
-    ASSERT_TRUE(game.waitFor("the list", [&] {
-        if (tries++ % 50 == 0) {
-            PostMessageW(game.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(60, 20));
-            PostMessageW(game.window, WM_LBUTTONUP, 0, MAKELPARAM(60, 20));
-        }
-        return recording.count("onPaint popup") > 0;
-    }));
-    EXPECT_EQ(recording.count("popup setVisible true"), 1u);
-    std::string place;
-    for (const std::string& call : recording.texts()) {
-        if (call.starts_with("popup setRect")) place = call;
-    }
-    int left = 0, top = 0, right = 0, bottom = 0;
-    ASSERT_EQ(std::sscanf(place.c_str(), "popup setRect %d %d %d %d", &left, &top, &right, &bottom), 4) << place;
-    EXPECT_EQ(left, 20);
-    {
-        const std::lock_guard lock(recording.mutex);
-        EXPECT_EQ(right - left, recording.popupWidth) << place;
-        EXPECT_EQ(bottom - top, recording.popupHeight) << place;
-    }
-    const size_t before = recording.count("onPaint popup");
-    EXPECT_TRUE(
-        game.waitFor("fresh popups over a moving page", [&] { return recording.count("onPaint popup") > before + 3; }));
-    PostMessageW(game.window, WM_KEYDOWN, VK_ESCAPE, 1);
-    PostMessageW(game.window, WM_KEYUP, VK_ESCAPE, 0xC0000001);
-    EXPECT_TRUE(hears("popup clear"));
-    EXPECT_TRUE(hears("popup setVisible false"));
-}
-
 }  // namespace ZEMO::Test
