@@ -20,11 +20,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/sdk/run_demo.cmd DESTINATION demo)
 install(TARGETS zemo_doctor RUNTIME DESTINATION tools)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples ${PROJECT_SOURCE_DIR}/docs DESTINATION .
   FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" PATTERN "*.txt" PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.md" PATTERN "Doxyfile" EXCLUDE)
-foreach(hook ZEMOGraphicsHook)
-  if(TARGET ${hook})
-    install(TARGETS ${hook} RUNTIME DESTINATION bin LIBRARY DESTINATION bin ARCHIVE DESTINATION lib)
-  endif()
-endforeach()
+install(TARGETS ZEMOGraphicsHook LIBRARY DESTINATION bin RUNTIME DESTINATION bin)
 
 set(package lib/cmake/ZEMOUIFramework)
 install(EXPORT ZEMOUIFrameworkTargets NAMESPACE ZEMO:: DESTINATION ${package})

@@ -1,8 +1,26 @@
 #include "ui_library.h"
 
+#include <windows.h>
+
 #include <zemo/ui.h>
 
+#include <filesystem>
+
 namespace demo {
+
+namespace {
+
+// The hook module lies beside the library, where a program in another folder does not search, or, where the project is
+// built, in a folder of its own.
+void searchHookBesideLibrary() {
+    wchar_t library[1024];
+    GetModuleFileNameW(GetModuleHandleW(L"ZEMOUIFramework.dll"), library, 1024);
+    const std::filesystem::path folder = std::filesystem::path(library).parent_path();
+    AddDllDirectory(folder.c_str());
+    AddDllDirectory((folder / L"hook").c_str());
+}
+
+}  // namespace
 
 void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& surface,
                     const std::shared_ptr<PageEventQueue>& events) {
@@ -24,6 +42,7 @@ void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& 
     // the
     //    page is drawn into the game's frame behind the game's back; with the callback the game draws it.
     if (options.mode == Mode::Hook) {
+        searchHookBesideLibrary();
         ZEMO::UI::InitUIGraphicsHook();
         return;
     }

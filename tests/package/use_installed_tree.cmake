@@ -11,7 +11,8 @@ endfunction()
 file(REMOVE_RECURSE "${WORK}")
 set(sdk "${WORK}/sdk")
 step("installing" ${CMAKE_COMMAND} --install ${BUILD} --prefix "${sdk}")
-foreach(file bin/ZEMOUIFramework.dll bin/libcef.dll bin/icudtl.dat bin/cefsubprocess/d3dcompiler_47.dll
+foreach(file bin/ZEMOUIFramework.dll bin/ZEMOGraphicsHook.dll bin/libcef.dll bin/icudtl.dat
+             bin/cefsubprocess/d3dcompiler_47.dll
              bin/cefsubprocess/locales/en-US.pak include/zemo/export.h lib/cmake/ZEMOUIFramework/ZEMOUIFrameworkConfig.cmake
              bin/cefsubprocess/cef.subprocess.exe bin/resources/html/start.html demo/zemo_demo.exe demo/run_demo.cmd
              tools/zemo_doctor.exe docs/getting-started.md lib/cmake/ZEMOUIFramework/mingw-toolchain.cmake)

@@ -1,0 +1,64 @@
+#include "page_renderer.h"
+
+#include "game_frames.h"
+#include "page_picture.h"
+
+namespace ZEMO::GraphicsHook {
+namespace {
+
+using namespace UI;
+
+class PagePopup final : public IRenderHookPopup {
+public:
+    bool isEmpty() override { return pagePicture().isPopupEmpty(); }
+    void clear() override { pagePicture().clearPopup(); }
+    void setVisible(bool show) override { pagePicture().setPopupVisible(show); }
+    void setRect(const Rect16* ltrb) override { pagePicture().setPopupPlace(*ltrb); }
+};
+
+class PageRenderer final : public IRenderHookRenderer {
+public:
+    void prepareFrame(bool drawCloseButton, Hook::PaintElementType, const Hook::RectList*) override {
+        pagePicture().setCloseButton(drawCloseButton);
+    }
+    // True needs nothing: the frame that follows shows the page. Until then there may be another view's picture here.
+    void setFrameActive(bool active) override {
+        if (!active) pagePicture().hide();
+    }
+    void onPaint(Hook::PaintElementType type, const Hook::RectList* dirtyRects, const void* buffer, int width,
+                 int height) override {
+        pagePicture().takeFrame(type, dirtyRects, buffer, width, height);
+    }
+    IRenderHookPopup* getPopupRenderer() override { return &popup; }
+    // The window's size is looked at before each present anyway, since a game resizes its frame when it likes.
+    void setNeedResize(bool) override {}
+    void setSleepTime(uint32_t milliseconds) override { setPauseAfterFrame(milliseconds); }
+    void onGameWindowDestroyed(UINT, WPARAM, LPARAM) override {
+        pagePicture().hide();
+        leaveGameWindow();
+    }
+
+private:
+    PagePopup popup;
+};
+
+class SilentRenderer final : public IRenderHookRenderer {
+public:
+    void onPaint(Hook::PaintElementType, const Hook::RectList*, const void*, int, int) override {}
+    void setFrameActive(bool) override {}
+    IRenderHookPopup* getPopupRenderer() override { return nullptr; }
+    void prepareFrame(bool, Hook::PaintElementType, const Hook::RectList*) override {}
+    void setNeedResize(bool) override {}
+    void setSleepTime(uint32_t) override {}
+    void onGameWindowDestroyed(UINT, WPARAM, LPARAM) override {}
+};
+
+PageRenderer page;
+SilentRenderer silent;
+
+}  // namespace
+
+UI::IRenderHookRenderer* pageRenderer() { return &page; }
+UI::IRenderHookRenderer* silentRenderer() { return &silent; }
+
+}  // namespace ZEMO::GraphicsHook
