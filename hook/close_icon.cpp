@@ -1,21 +1,12 @@
 #include "close_icon.h"
 
+#include <stb_image.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <vector>
-
-#define STB_IMAGE_IMPLEMENTATION
-#define STB_IMAGE_STATIC
-#define STBI_ONLY_PNG
-#if defined(__GNUC__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wunused-function"
-#endif
-#include <stb_image.h>
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
 
 namespace ZEMO::GraphicsHook {
 namespace {
@@ -36,11 +27,12 @@ Plane load() {
     int width = 0;
     int height = 0;
     int channels = 0;
-    stbi_uc* const pixels = stbi_load_from_memory(reinterpret_cast<const stbi_uc*>(bytes.data()),
-                                                  static_cast<int>(bytes.size()), &width, &height, &channels, 4);
+    const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> pixels(
+        stbi_load_from_memory(reinterpret_cast<const stbi_uc*>(bytes.data()), static_cast<int>(bytes.size()), &width,
+                              &height, &channels, 4),
+        &stbi_image_free);
     Plane plane;
-    plane.take(nullptr, pixels, width, height);
-    stbi_image_free(pixels);
+    plane.take(nullptr, pixels.get(), width, height);
     return plane;
 }
 

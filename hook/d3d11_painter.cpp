@@ -60,7 +60,7 @@ DXGI_FORMAT withoutConversion(DXGI_FORMAT format) {
 Com<D3D11Painter> D3D11Painter::of(IDXGISwapChain* chain) {
     Com<D3D11Painter> painter;
     IUnknown* found = nullptr;
-    UINT size = sizeof found;
+    UINT size = sizeof(IUnknown*);
     if (SUCCEEDED(chain->GetPrivateData(kPainterId, &size, static_cast<void*>(&found))) && found) {
         *painter.put() = static_cast<D3D11Painter*>(found);
         return painter;

@@ -46,7 +46,7 @@ private:
     void bindTarget(ID3D11RenderTargetView* target);
     Com<ID3D11RenderTargetView> targetOf(ID3D11Texture2D* buffer, DXGI_FORMAT format);
     void upload(Layer layer, const Plane& plane, const Box& changed) override;
-    void draw(Layer layer, const Place& place) override;
+    void draw(Layer layer, const Place& where) override;
     void remake(Texture& texture, const Plane& plane);
 
     std::atomic<ULONG> references{1};

@@ -12,11 +12,11 @@ namespace ZEMO::GraphicsHook {
 /// The API of the first frame that was presented; unknown until then. Any thread.
 UI::RenderingMode gameApi();
 
-/// A frame is about to be presented on `window` by `api`: true when the page belongs into it. The first frame of the
+/// A frame is about to be presented on `window` by that API: true when the page belongs into it. The first frame of the
 /// process settles the API, the first one with a page the window. While no page is shown this costs two loads.
-bool takesPage(UI::RenderingMode api, HWND window);
+bool takesPage(UI::RenderingMode presented, HWND window);
 /// The same for APIs that ask for their window first: false saves the asking.
-bool mayTakePage(UI::RenderingMode api);
+bool mayTakePage(UI::RenderingMode presented);
 
 /// The game's window goes: no frame takes a page until another window presents one.
 void leaveGameWindow();

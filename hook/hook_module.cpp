@@ -27,6 +27,7 @@ void lookForFrames() {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-identifier-naming): the names that the library looks for
 extern "C" {
 
 __declspec(dllexport) RenderingMode GetRenderModeHandler() {
@@ -43,3 +44,4 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
     return TRUE;
 }
 }
+// NOLINTEND(readability-identifier-naming)

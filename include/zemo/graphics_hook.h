@@ -24,6 +24,7 @@ namespace ZEMO::UI {
 /// The engine's shapes as a module sees them, which knows nothing of the engine.
 namespace Hook {
 
+// NOLINTNEXTLINE(readability-identifier-naming): the engine's names
 enum PaintElementType : int { PET_VIEW = 0, PET_POPUP = 1 };
 
 struct DirtyRect {

@@ -27,8 +27,8 @@ public:
     ID3D11Device* get() const { return device.get(); }
     const SharedContext& immediateContext() const { return context; }
 
-    /// A side below 1 means the client area's. Also takes `window` for the close button's place.
-    std::shared_ptr<SwapChain> createSwapChain(HWND window, int width, int height);
+    /// A side below 1 means the client area's. Also takes `target` for the close button's place.
+    std::shared_ptr<SwapChain> createSwapChain(HWND target, int width, int height);
     /// Fractions of the client area, y downward. For the close button they are ignored: it has its place.
     std::shared_ptr<Geometry> createQuad(float x, float y, float width, float height, bool forCloseButton, bool flip);
     /// Without `initialData` the texture can be written again and again; with it, of rows `rowPitch` bytes apart,
