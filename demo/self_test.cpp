@@ -156,11 +156,13 @@ private:
         const HWND window = stage.pageWindow();
         display(window);
         awaitDisplay(window, "the transparent part", stage.px(kClear.x), stage.px(kClear.y), kBackground);
-        const auto under = [](int over, int beneath) { return over + beneath * (255 - kHalfBlue.colour.alpha) / 255; };
+        const auto onBackground = [](int over, int beneath) {
+            return over + beneath * (255 - kHalfBlue.colour.alpha) / 255;
+        };
         const Colour& page = kHalfBlue.colour;
         awaitDisplay(window, kHalfBlue.name, stage.px(kHalfBlue.x), stage.px(kHalfBlue.y),
-                     {under(page.red, kBackground.red), under(page.green, kBackground.green),
-                      under(page.blue, kBackground.blue), 255},
+                     {onBackground(page.red, kBackground.red), onBackground(page.green, kBackground.green),
+                      onBackground(page.blue, kBackground.blue), 255},
                      1);
     }
 

@@ -13,8 +13,8 @@ namespace ZEMO::UI {
 class ZEMOFileSelectViewDelegate {
 public:
     /// At least one path. With setMultiSelect(true) and several files each path but the first begins with all the text
-    /// of the one before: for a.png and b.png in `C:/x` the second is `C:/x/a.pngC:/x/b.png` (with backslashes). Cut the
-    /// text of the result before off to get the file's own path.
+    /// of the one before: for a.png and b.png in `C:/x` the second is `C:/x/a.pngC:/x/b.png` (with backslashes). Cut
+    /// the text of the result before off to get the file's own path.
     virtual void fileSelected(std::vector<std::filesystem::path> files) = 0;
     /// The user chose nothing, or the system could not show the dialog.
     virtual void fileSelectCancelled() = 0;

@@ -99,7 +99,7 @@ InputPage::~InputPage() {
 bool InputPage::open() {
     view = game.makeView(server.url("/"), events);
     view->setDisplayMode(style);
-    view->setSize(size.cx, size.cy);
+    view->setSize(static_cast<float>(size.cx), static_cast<float>(size.cy));
     view->show();
     window = style == kLayer ? game.window : findViewWindow();
     SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);

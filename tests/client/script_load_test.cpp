@@ -77,14 +77,15 @@ TEST_F(ScriptLoad, FourThreadsAskWhilePagesLoad_EachAnswerAtMostOnceInItsThreads
         const auto caller = callers.emplace_back(std::make_shared<Caller>());
         threads.emplace_back([shown = view, caller] {
             for (int number = 0; number < kEach; ++number) {
-                shown->evaluateJavascript(scriptFor(number), [caller, number](const std::string& result, const std::string& error) {
-                    // One that was under way to the page before may meet the next one while it has no script yet.
-                    caller->tooEarly += error == "Uncaught ReferenceError: answer is not defined";
-                    caller->wrong += error.empty() ? result != expectedResult(number)
-                                                   : error != "Uncaught ReferenceError: answer is not defined";
-                    caller->disordered += caller->last.exchange(number) >= number;
-                    ++caller->answered;
-                });
+                shown->evaluateJavascript(
+                    scriptFor(number), [caller, number](const std::string& result, const std::string& error) {
+                        // One that was under way to the page before may meet the next one while it has no script yet.
+                        caller->tooEarly += error == "Uncaught ReferenceError: answer is not defined";
+                        caller->wrong += error.empty() ? result != expectedResult(number)
+                                                       : error != "Uncaught ReferenceError: answer is not defined";
+                        caller->disordered += caller->last.exchange(number) >= number;
+                        ++caller->answered;
+                    });
                 std::this_thread::sleep_for(2ms);  // over all the loads
             }
         });

@@ -98,8 +98,8 @@ TEST(WholeProcess, PageSetsACookieAndTheGameReturns_NextGameSendsIt) {
                             .extraHeaders = "Set-Cookie: login=kept; Max-Age=3600\r\n"});
     const std::string address = server.url("/login");
     const std::wstring way = L"return " + std::wstring(address.begin(), address.end());
-    // The library waits two seconds for the engine. Where the machine is so crowded that this is not enough, the log says
-    // so, and nothing was promised: another game then tries.
+    // The library waits two seconds for the engine. Where the machine is so crowded that this is not enough, the log
+    // says so, and nothing was promised: another game then tries.
     bool stoppedInOrder = false;
     for (int i = 0; i < 5 && !stoppedInOrder; ++i) {
         HelperGame game(libraryFile(), way, programDirectory());

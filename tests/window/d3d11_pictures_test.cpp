@@ -77,7 +77,7 @@ TEST(D3D11Pictures, NoFrameYet_BackgroundColour) {
 
 TEST(D3D11Pictures, HalfTransparentPage_OverTheBackgroundColour) {
     D3D11Window window(320, 200);
-    for (const uint8_t alpha : {0x00, 0x01, 0x40, 0x80, 0xFE}) {
+    for (const uint8_t alpha : std::initializer_list<uint8_t>{0x00, 0x01, 0x40, 0x80, 0xFE}) {
         const Picture page = noise(320, 200, alpha);
         window.paint(page);
         window.render();

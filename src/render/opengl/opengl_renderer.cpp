@@ -11,7 +11,7 @@ void releaseContext() { wglMakeCurrent(nullptr, nullptr); }
 /// The context for one paint. Whatever happens in between, what was drawn is shown and the context given back.
 class PaintScope {
 public:
-    PaintScope(HDC device, HGLRC context) : device(device), current(wglMakeCurrent(device, context) != FALSE) {}
+    PaintScope(HDC target, HGLRC context) : device(target), current(wglMakeCurrent(target, context) != FALSE) {}
     ~PaintScope() {
         if (!current) return;
         SwapBuffers(device);
@@ -40,8 +40,8 @@ PIXELFORMATDESCRIPTOR windowPixelFormat() {
 
 }  // namespace
 
-OpenGLRenderer::OpenGLRenderer(HWND window, bool hasCloseButton)
-    : renderer(std::make_shared<OsrRenderer>(hasCloseButton, getWindowScale(window))), window(window) {}
+OpenGLRenderer::OpenGLRenderer(HWND target, bool hasCloseButton)
+    : renderer(std::make_shared<OsrRenderer>(hasCloseButton, getWindowScale(target))), window(target) {}
 
 OpenGLRenderer::~OpenGLRenderer() {
     // The thread that drops a view may be one of the game's with a context of the game, where our texture's name is

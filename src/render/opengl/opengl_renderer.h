@@ -15,7 +15,7 @@ namespace ZEMO::UI {
 /// Threads: as IOsrRenderer. The last reference may go on any thread.
 class OpenGLRenderer final : public IOsrRenderer {
 public:
-    OpenGLRenderer(HWND window, bool hasCloseButton);
+    OpenGLRenderer(HWND target, bool hasCloseButton);
     ~OpenGLRenderer() override;
     OpenGLRenderer(const OpenGLRenderer&) = delete;
     OpenGLRenderer& operator=(const OpenGLRenderer&) = delete;

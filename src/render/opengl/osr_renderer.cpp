@@ -103,9 +103,9 @@ Span visibleSpan(int unclippedStart, int start, int length, int viewLength) {
 
 }  // namespace
 
-OsrRenderer::OsrRenderer(bool hasCloseButton, float scale, const Look& look)
-    : look(look),
-      hasCloseButton(hasCloseButton),
+OsrRenderer::OsrRenderer(bool closeButton, float scale, const Look& chosen)
+    : look(chosen),
+      hasCloseButton(closeButton),
       closeMargin(std::floor(static_cast<float>(kCloseButtonMargin) * scale)),
       closeSizeWide(logicalToDevice(kCloseButtonSizeWide, scale)),
       closeSizeNarrow(logicalToDevice(kCloseButtonSizeNarrow, scale)) {}

@@ -28,8 +28,8 @@ public:
     };
 
     /// `scale`: device pixels for each logical pixel of the window.
-    OsrRenderer(bool hasCloseButton, float scale) : OsrRenderer(hasCloseButton, scale, Look{}) {}
-    OsrRenderer(bool hasCloseButton, float scale, const Look& look);
+    OsrRenderer(bool closeButton, float scale) : OsrRenderer(closeButton, scale, Look{}) {}
+    OsrRenderer(bool closeButton, float scale, const Look& chosen);
     ~OsrRenderer();
     OsrRenderer(const OsrRenderer&) = delete;
     OsrRenderer& operator=(const OsrRenderer&) = delete;
