@@ -38,7 +38,7 @@ onload=async()=>{let text='';for(const name in probes){const r=await limited(pro
   text+=r===true?name+' ':r==='hangs'?name+':hangs ':''}report(text)};
 </script>)";
 
-/// Some TrueType file of the system's. Wine names them by their whole path, Windows by their place in its folder.
+/// A TrueType file of the system's. Wine names them by their whole path, Windows by their place in its folder.
 std::filesystem::path systemFont() {
     wchar_t windows[MAX_PATH] = {};
     GetWindowsDirectoryW(windows, MAX_PATH);
@@ -52,7 +52,9 @@ std::filesystem::path systemFont() {
         DWORD bytes = sizeof file - sizeof *file;
         if (RegEnumValueW(fonts, i, name, &nameLength, nullptr, nullptr, reinterpret_cast<BYTE*>(file), &bytes)) break;
         const std::filesystem::path path = std::filesystem::path(windows) / L"Fonts" / file;
-        if (path.extension() == L".ttf" && std::filesystem::exists(path)) found = path;
+        // An ordinary one: the engine refuses some, as those of signs alone.
+        const bool isOrdinary = std::wstring_view(name).starts_with(L"Arial (");
+        if (isOrdinary && path.extension() == L".ttf" && std::filesystem::exists(path)) found = path;
     }
     RegCloseKey(fonts);
     return found;

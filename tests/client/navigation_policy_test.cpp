@@ -118,7 +118,7 @@ TEST_F(NavigationPolicy, AddressesOfOtherPrograms_AskedForAndNeverHandedOut) {
     const ImportReplaced shell("ShellExecuteW", &countShellCall);
     open(
         "<script>location='mailto:a@example.org';setTimeout(()=>{location='steam://run/1';"
-        "setTimeout(()=>fetch('/done'),500)},300)</script>");
+        "setInterval(()=>fetch('/done'),300)},300)</script>");
     EXPECT_TRUE(game.waitFor("the questions", [&] {
         return view->events->has("requested mailto:a@example.org") && view->events->has("requested steam://run/1");
     }));
