@@ -176,7 +176,8 @@ TEST(RealClient, ViewsUsedAndEngineStopped_NoReferenceIsLeft) {
             << cefLiveEngineObjects();
     }
     ZEMO::UI::CefModule::stop();
-    EXPECT_EQ(cefLiveClientObjects(), 0);
+    // But for the factory of the custom scheme, one a process: the engine drops it late or never.
+    EXPECT_LE(cefLiveClientObjects(), 1);
     EXPECT_EQ(cefLiveEngineObjects(), 0);
 }
 
