@@ -24,15 +24,22 @@ namespace ZEMO::UI {
 /// The engine's shapes as a module sees them, which knows nothing of the engine.
 namespace Hook {
 
-// NOLINTNEXTLINE(readability-identifier-naming): the engine's names
-enum PaintElementType : int { PET_VIEW = 0, PET_POPUP = 1 };
-
-struct DirtyRect {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
+/// What a frame shows.
+enum PaintElementType : int {
+    // NOLINTBEGIN(readability-identifier-naming): the engine's names
+    PET_VIEW = 0,   ///< the page
+    PET_POPUP = 1,  ///< its open list
+    // NOLINTEND(readability-identifier-naming)
 };
+
+/// A rectangle that changed, in device pixels.
+struct DirtyRect {
+    int x = 0;       ///< from the left
+    int y = 0;       ///< from the top
+    int width = 0;   ///< to the right
+    int height = 0;  ///< downward
+};
+/// All that changed.
 using RectList = std::vector<DirtyRect>;
 
 }  // namespace Hook
@@ -44,6 +51,7 @@ public:
     virtual bool isEmpty() = 0;
     /// Forgets the rectangle; comes before the popup is hidden.
     virtual void clear() = 0;
+    /// The popup opens or closes.
     virtual void setVisible(bool show) = 0;
     /// Left, top, right and bottom in device pixels of the view.
     virtual void setRect(const Rect16* ltrb) = 0;
@@ -78,10 +86,11 @@ protected:
 
 /// The module's exports by name, all of them required. A null renderer means that the module draws nothing.
 using GetRenderModeFunction = RenderingMode();
+/// The other three.
 using GetRenderHookRendererFunction = IRenderHookRenderer*();
-inline constexpr char kGetRenderModeHandler[] = "GetRenderModeHandler";
-inline constexpr char kGetD3D11RenderHookRenderer[] = "GetD3D11RenderHookRenderer";
-inline constexpr char kGetD3D12RenderHookRenderer[] = "GetD3D12RenderHookRenderer";
-inline constexpr char kGetOpenGLRenderHookRenderer[] = "GetOpenGLRenderHookRenderer";
+inline constexpr char kGetRenderModeHandler[] = "GetRenderModeHandler";                ///< a GetRenderModeFunction
+inline constexpr char kGetD3D11RenderHookRenderer[] = "GetD3D11RenderHookRenderer";    ///< for Direct3D 11
+inline constexpr char kGetD3D12RenderHookRenderer[] = "GetD3D12RenderHookRenderer";    ///< for Direct3D 12
+inline constexpr char kGetOpenGLRenderHookRenderer[] = "GetOpenGLRenderHookRenderer";  ///< for OpenGL
 
 }  // namespace ZEMO::UI

@@ -110,7 +110,7 @@ int main() {
     WNDCLASSW windowClass{};
     windowClass.lpfnWndProc = windowProc;
     windowClass.lpszClassName = L"StoreGame";
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
     RegisterClassW(&windowClass);
     window = CreateWindowW(L"StoreGame", L"A game with a store", WS_OVERLAPPEDWINDOW | WS_VISIBLE, CW_USEDEFAULT,
                            CW_USEDEFAULT, 960, 600, nullptr, nullptr, nullptr, nullptr);
