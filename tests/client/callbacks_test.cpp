@@ -77,7 +77,8 @@ TEST_F(Callbacks, EvaluationAnswer_CallsTheWaitingFunctionWithElementsTwoAndThre
     const auto processor = view.adapter->getJavascriptProcessor();
     processor->flushQueuedEvaluations();
     // A script that the page itself never answers.
-    processor->evaluate("{id}", "new Promise(() => {})", [&](std::string first, std::string second) { got = {first, second}; });
+    processor->evaluate("{id}", "new Promise(() => {})",
+                        [&](std::string first, std::string second) { got = {first, second}; });
     EXPECT_TRUE(receive("evaluateJavascript", [](auto list) {
         list->SetString(0, "{id}");
         list->SetString(1, "ignored");

@@ -62,7 +62,8 @@ TEST(Facade, ScriptsResultWhileTheViewIsClosed_CallbackHearsNothingUntilItIsShow
     view->show();
     ASSERT_TRUE(game.waitFor("the page", [&] { return events.has("completed"); }));
     int results = 0;  // written inside answerKnownRequest's wait only: the page itself never answers
-    view->evaluateJavascript("new Promise(() => {})", [&](const std::string& result, const std::string&) { results += result == "42"; });
+    view->evaluateJavascript("new Promise(() => {})",
+                             [&](const std::string& result, const std::string&) { results += result == "42"; });
     answerKnownRequest(game);
     EXPECT_EQ(results, 1);
     view->close();
