@@ -124,6 +124,10 @@ void InputTest::closeButton() {
     hands.click(x, y);
     stage.awaitMore(PageEvent::Kind::CloseRequested, asked, "closeRequested did not come");
     if (stage.game.topPage() && stage.game.topPage()->number() == number) throw Failure("the page is still there");
+    // A window of its own goes after its page, and the next step looks for the window on top.
+    if (window != stage.game.gameWindow().handle()) {
+        stage.await([&] { return !IsWindow(window); }, [] { return "the closed page's window is still there"; });
+    }
 }
 
 void InputTest::awaitAsked(const std::string& command) {

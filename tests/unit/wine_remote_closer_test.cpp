@@ -84,7 +84,7 @@ TEST(RemoteCloser, OrdersOfALivingProcess_ClosedInTheirOrderAfterTheDelay) {
 TEST(RemoteCloser, ProcessEndsDuringTheDelay_NothingIsCalledForIt) {
     Source ended;
     const Source living;
-    RemoteCloser closer(&record, {.delayMs = 300});
+    RemoteCloser closer(&record, {.delayMs = 3000});  // a busy machine takes a while to end a process
     EXPECT_TRUE(closer.closeLater(ended.process.get(), numbered(4)));
     ended.helper.terminate();
     ended.process.reset();  // the closer has one of its own
