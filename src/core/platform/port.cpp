@@ -30,23 +30,25 @@ private:
     bool started = false;
 };
 
-std::string failed(const char* step) {
-    OutputDebugStringA(("GetDynamicPort: " + std::string(step) + " failed\n").c_str());
+std::string failed(const char* line) {
+    OutputDebugStringA(line);
     return {};
 }
 
 std::string findFreePort() {
     const SocketLibrary library;
-    if (!library) return failed("WSAStartup");
+    if (!library) return failed("GetDynamicPort: WSAStartup failed\n");
     const Core::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-    if (!socket) return failed("socket()");
+    if (!socket) return failed("GetDynamicPort: socket() failed\n");
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = 0;
-    if (bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return failed("bind(0)");
+    if (bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        return failed("GetDynamicPort: bind(0) failed\n");
     int size = sizeof address;
-    if (getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) return failed("getsockname()");
+    if (getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        return failed("GetDynamicPort: getsockname() failed\n");
     char port[16];
     std::snprintf(port, sizeof port, "%d", static_cast<int>(ntohs(address.sin_port)));
     return port;
