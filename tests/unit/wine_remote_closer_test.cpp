@@ -5,8 +5,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <cstdio>
-#include <cstdlib>
 #include <mutex>
 #include <vector>
 
@@ -53,18 +51,8 @@ BOOL WINAPI record(HANDLE, HANDLE source, HANDLE, HANDLE*, DWORD, BOOL, DWORD op
 
 HANDLE numbered(intptr_t number) { return reinterpret_cast<HANDLE>(number); }
 
-// The closers' threads stay to the end of this process, and Wine may take one away with the allocator's lock held: the
-// exit then waits for ever (two of these tests in one crowded run, after they had passed). So it leaves at once.
-void leaveAtOnceInTheEnd() {
-    [[maybe_unused]] static const int registered = std::atexit([] {
-        std::fflush(nullptr);
-        TerminateProcess(GetCurrentProcess(), testing::UnitTest::GetInstance()->Failed());
-    });
-}
-
 /// A process that lives.
 struct Source {
-    Source() { leaveAtOnceInTheEnd(); }
     Test::HelperProcess helper{Test::helperPath(L"sleeping_process.exe"), {}};
     UniqueKernelHandle process{OpenProcess(PROCESS_ALL_ACCESS, FALSE, helper.id())};
 };
