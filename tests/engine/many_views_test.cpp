@@ -117,9 +117,9 @@ TEST(ViewLife, TwoHundredViewsOpenedAndClosed_ProcessIsBackWhereItWas) {
     ASSERT_GT(start.threads, 10u) << "the count works";
     ASSERT_GT(start.bytes, 10'000'000u) << "the sum works";
     EXPECT_LE(end.children, start.children + 1);
-    // One leak on one of the two roads would be 50.
-    EXPECT_LT(end.handles, middle.handles + 25) << "start " << start.handles << ", middle " << middle.handles;
-    EXPECT_LT(end.threads, middle.threads + 25) << "start " << start.threads << ", middle " << middle.threads;
+    // One leak on one of the two roads would be 50; on a crowded machine the engine is 25 behind with its own.
+    EXPECT_LT(end.handles, middle.handles + 40) << "start " << start.handles << ", middle " << middle.handles;
+    EXPECT_LT(end.threads, middle.threads + 40) << "start " << start.threads << ", middle " << middle.threads;
     // The engine leaves two handles with each browser, also without this library: a key of its look-up of a runtime
     // class that Wine doesn't have, and a piece of shared memory.
     EXPECT_LT(end.keys, middle.keys + kViews + 25) << "start " << start.keys << ", middle " << middle.keys;
