@@ -3,6 +3,7 @@
 #include <tlhelp32.h>
 
 #include <format>
+#include <functional>
 #include <stdexcept>
 
 namespace ZEMO::Test {
@@ -32,25 +33,48 @@ std::filesystem::path copyOfLibraryFolder(const wchar_t* name) {
     return to;
 }
 
-std::vector<DWORD> processesBelow(const std::filesystem::path& directory) {
-    std::vector<DWORD> found;
+namespace {
+
+/// Full name of its program; empty when the system does not tell it.
+std::wstring programOf(DWORD id) {
+    const HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id);
+    if (!process) return {};
+    wchar_t path[1024];
+    DWORD length = 1024;
+    if (!QueryFullProcessImageNameW(process, 0, path, &length)) length = 0;
+    CloseHandle(process);
+    return {path, length};
+}
+
+void forEachProcess(const std::function<void(const PROCESSENTRY32W&)>& see) {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) throw std::runtime_error("the system does not list its processes");
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
-    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        const HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, entry.th32ProcessID);
-        if (!process) continue;
-        wchar_t path[1024];
-        DWORD length = 1024;
-        if (QueryFullProcessImageNameW(process, 0, path, &length)) {
-            std::wstring image(path, length);
-            std::wstring below = directory.wstring() + L"\\";
-            if (_wcsnicmp(image.c_str(), below.c_str(), below.size()) == 0) found.push_back(entry.th32ProcessID);
-        }
-        CloseHandle(process);
-    }
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) see(entry);
     CloseHandle(snapshot);
+}
+
+}  // namespace
+
+std::vector<DWORD> processesBelow(const std::filesystem::path& directory) {
+    std::vector<DWORD> found;
+    const std::wstring below = directory.wstring() + L"\\";
+    forEachProcess([&](const PROCESSENTRY32W& entry) {
+        const std::wstring image = programOf(entry.th32ProcessID);
+        if (_wcsnicmp(image.c_str(), below.c_str(), below.size()) == 0) found.push_back(entry.th32ProcessID);
+    });
     return found;
+}
+
+std::string allProcesses() {
+    std::string list;
+    forEachProcess([&](const PROCESSENTRY32W& entry) {
+        const auto narrow = [](const std::wstring& text) { return std::filesystem::path(text).string(); };
+        list += std::format("{} of {}: {}, {}\n", entry.th32ProcessID, entry.th32ParentProcessID,
+                            narrow(entry.szExeFile), narrow(programOf(entry.th32ProcessID)));
+    });
+    return list;
 }
 
 HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring& way,

@@ -21,6 +21,9 @@ std::filesystem::path copyOfLibraryFolder(const wchar_t* name);
 /// Ids of all running processes whose program lies below `directory`.
 std::vector<DWORD> processesBelow(const std::filesystem::path& directory);
 
+/// All running processes, a line each, for a test that misses one.
+std::string allProcesses();
+
 /// A game in a process of its own (see engine_helper), with the lines that it printed. Killed, if still running, by the
 /// destructor.
 class HelperGame {
