@@ -12,7 +12,7 @@ struct EngineFile {
 };
 
 // en-US.pak: the engine falls back to it from every locale text that names no pak, and dies without it. resources.pak:
-// pages are shown without it, but not the engine's own (errors, dialogs).
+// pages are shown without it, but plain: no style that the engine gives every page, none of its own pages and dialogs.
 constexpr EngineFile kFiles[] = {
     {L"libcef.dll", true},
     {L"chrome_elf.dll", true},
