@@ -7,6 +7,7 @@
 #include "core/process_state.h"
 #include "engine/cef_module.h"
 #include "engine/client/script/javascript_processor.h"
+#include "engine/engine_thread.h"
 #include "include/cef_process_message.h"
 #include "include/cef_values.h"
 #include "layers/layer_manager.h"
@@ -130,7 +131,7 @@ TEST_F(Callbacks, PasswordFieldFocus_FlagWindowMessageAndImeEvent) {
 
 TEST_F(Callbacks, TextSelection_ImeEventOneWithItsRange) {
     registerImeEventCallback(&recordImeEvent);
-    view.adapter->OnTextSelectionChanged(browser, "abc", CefRange(3, 8));
+    runOnEngine(game, [&] { view.adapter->OnTextSelectionChanged(browser, "abc", CefRange(3, 8)); });
     EXPECT_EQ(imeEvents(), (std::vector<ImeEvent>{{1, 3, 8}}));
 }
 
@@ -157,6 +158,7 @@ TEST_F(Callbacks, ProgramExits_BrowserIsGoneAndNoCallbackOfTheGameComes) {
     ZEMO::UI::CefModule::stopAtExit();
     EXPECT_FALSE(view.adapter->getBrowser());
     EXPECT_TRUE(view.events->events().empty()) << "closing at the exit is no event of the page";
+    ZEMO::UI::engineThreadId = GetCurrentThreadId();  // the engine's is held at the exit: this one stands in for it
     view.adapter->OnLoadStart(nullptr, nullptr, TT_LINK);
     view.adapter->OnLoadError(nullptr, nullptr, ERR_FAILED, "text", "http://127.0.0.1/");
     EXPECT_TRUE(view.events->events().empty());
@@ -250,12 +252,14 @@ TEST_F(Callbacks, WindowGone_NoScreenInfoAndOneByOne) {
     CefRefPtr<ZEMO::UI::CefAdapter> other =
         new ZEMO::UI::CefAdapter({}, gone, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
     DestroyWindow(gone);
-    CefRect rect;
-    other->GetViewRect(browser, rect);
-    EXPECT_EQ(rect, CefRect(0, 0, 1, 1));
-    CefScreenInfo info;
-    EXPECT_FALSE(other->GetScreenInfo(browser, info));
-    EXPECT_FALSE(other->OnCursorChange(browser, LoadCursorW(nullptr, IDC_HAND), CT_HAND, {}));
+    runOnEngine(game, [&] {
+        CefRect rect;
+        other->GetViewRect(browser, rect);
+        EXPECT_EQ(rect, CefRect(0, 0, 1, 1));
+        CefScreenInfo info;
+        EXPECT_FALSE(other->GetScreenInfo(browser, info));
+        EXPECT_FALSE(other->OnCursorChange(browser, LoadCursorW(nullptr, IDC_HAND), CT_HAND, {}));
+    });
     other->close();
 }
 
@@ -266,9 +270,11 @@ TEST_F(Callbacks, CursorOfALayerWithoutAConsumer_BecomesTheClassCursor) {
     CefRefPtr<ZEMO::UI::CefAdapter> other =
         new ZEMO::UI::CefAdapter({}, game.window, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
     game.fetchedMessages.clear();
-    EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
+    runOnEngine(game, [&] {
+        EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
+        EXPECT_EQ(GetCursor(), hand);
+    });
     EXPECT_EQ(reinterpret_cast<HCURSOR>(GetClassLongPtrW(game.window, GCLP_HCURSOR)), hand);
-    EXPECT_EQ(GetCursor(), hand);
     // A posted message would lie in front of this one.
     PostMessageW(game.window, WM_APP, 0, 0);
     EXPECT_EQ(posted(WM_APP).size(), 1u);
@@ -285,13 +291,13 @@ TEST_F(Callbacks, HookModuleAndPresentCallback_TheHookGetsTheFrames) {
         new ZEMO::UI::CefAdapter({}, game.window, ZEMO::UI::WindowStyle::Layer, false, GetModuleHandleW(nullptr), 0,
                                  [](auto...) { ADD_FAILURE() << "the hook comes before the present callback"; });
     const auto before = GetClassLongPtrW(game.window, GCLP_HCURSOR);
+    game.fetchedMessages.clear();
+    const HCURSOR hand = LoadCursorW(nullptr, IDC_HAND);
     runOnEngine(game, [&] {
         const uint32_t pixel = 0;
         other->OnPaint(browser, PET_VIEW, {}, &pixel, 1, 1);
+        EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
     });
-    game.fetchedMessages.clear();
-    const HCURSOR hand = LoadCursorW(nullptr, IDC_HAND);
-    EXPECT_TRUE(other->OnCursorChange(browser, hand, CT_HAND, {}));
     EXPECT_EQ(posted(WM_SETCURSOR), (std::vector<GameMessage>{{WM_SETCURSOR, 1124, reinterpret_cast<LPARAM>(hand)}}))
         << "a layer with a hook has an active consumer";
     EXPECT_EQ(GetClassLongPtrW(game.window, GCLP_HCURSOR), before);
@@ -307,7 +313,7 @@ TEST_F(Callbacks, ViewRectOfAnEmptyClientArea_OneByOne) {
     CefRefPtr<ZEMO::UI::CefAdapter> other =
         new ZEMO::UI::CefAdapter({}, empty, ZEMO::UI::WindowStyle::Layer, false, nullptr, 0, nullptr);
     CefRect rect;
-    other->GetViewRect(browser, rect);
+    runOnEngine(game, [&] { other->GetViewRect(browser, rect); });
     EXPECT_EQ(rect, CefRect(0, 0, 1, 1));
     other->close();
     DestroyWindow(empty);
@@ -316,7 +322,7 @@ TEST_F(Callbacks, ViewRectOfAnEmptyClientArea_OneByOne) {
 TEST_F(Callbacks, ScreenInfo_ViewsRectangleAndScale) {
     CefScreenInfo info;
     info.depth = 99;
-    ASSERT_TRUE(view.adapter->GetScreenInfo(browser, info));
+    ASSERT_TRUE(runOnEngine(game, [&] { EXPECT_TRUE(view.adapter->GetScreenInfo(browser, info)); }));
     EXPECT_FLOAT_EQ(info.device_scale_factor, 1.0f);
     EXPECT_EQ(CefRect(info.rect.x, info.rect.y, info.rect.width, info.rect.height), CefRect(0, 0, 320, 200));
     EXPECT_EQ(
