@@ -9,7 +9,7 @@
 #include "window/window_test_support.h"
 
 // Calls into the system that leave no trace a test could see: each is written down and then really made.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 
 /// Tells whether a message of one window reaches the system's default procedure, and answers it there with a value of
 /// the test's, so that the answer can be followed as well. All other messages take their usual way.
@@ -53,8 +53,7 @@ private:
         return watch;
     }
     static LRESULT WINAPI watched(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        static const auto system =
-            ZEMO::Test::systemFunction<decltype(DefWindowProcW)>(L"user32.dll", "DefWindowProcW");
+        static const auto system = systemFunction<decltype(DefWindowProcW)>(L"user32.dll", "DefWindowProcW");
         {
             const std::lock_guard lock(access());
             if (DefaultProcedureWatch* watch = current(); watch && watch->window == hwnd) {
@@ -72,7 +71,7 @@ private:
     ReceivedMessage wanted{};
     LRESULT wantedAnswer = 0;
     bool cameBy = false;
-    std::optional<ZEMO::Test::ImportReplaced> replaced;
+    std::optional<ImportReplaced> replaced;
 };
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -5,8 +5,10 @@
 #include "render/display_scale.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 /// The narrow button is smaller than the wide one, so that the choice between them shows.
 class TwoSizes : public XButton {
@@ -175,4 +177,4 @@ TEST_F(CloseButtonWindow, CursorOverTheButton_IsAHandAndAnArrowOutside) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <vector>
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 
 /// "resources/customcursor.cur" beside this program: 32x32, 32 bits, hot spot (3, 4). Taken away at the end, with the
 /// directory if this made it.
@@ -54,4 +54,4 @@ private:
     bool madeDirectory = false;
 };
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -5,8 +5,10 @@
 #include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 class CursorRestoreTest : public testing::Test {
 protected:
@@ -70,7 +72,7 @@ TEST_F(CursorRestoreTest, FirstLayersWindow_IsTheOneThatIsGivenBack) {
 // Setting the cursor to where it is shows nowhere, so the calls are written down and passed on.
 std::vector<POINT> cursorPlaces;
 BOOL WINAPI watchedSetCursorPos(int x, int y) {
-    static const auto system = ZEMO::Test::systemFunction<decltype(SetCursorPos)>(L"user32.dll", "SetCursorPos");
+    static const auto system = systemFunction<decltype(SetCursorPos)>(L"user32.dll", "SetCursorPos");
     cursorPlaces.push_back({x, y});
     return system(x, y);
 }
@@ -78,7 +80,7 @@ BOOL WINAPI watchedSetCursorPos(int x, int y) {
 TEST_F(CursorRestoreTest, LastLayerGone_CursorIsSetToTheSamePlaceOnce) {
     const CursorAt place(321, 234);
     CursorAt::hold([&] {  // fails when the cursor is never at its place after the attempt
-        const ZEMO::Test::ImportReplaced replaced("SetCursorPos", watchedSetCursorPos);
+        const ImportReplaced replaced("SetCursorPos", watchedSetCursorPos);
         auto a = layer(game.handle());
         auto b = layer(game.handle());
         cursorPlaces.clear();
@@ -144,4 +146,4 @@ TEST_F(CursorRestoreTest, OwnWindowWithAParent_GivesTheParentsClassItsCursorBack
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

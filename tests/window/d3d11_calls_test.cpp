@@ -10,16 +10,16 @@
 #include "support/debug_log.h"
 #include "window/d3d11_window.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using D3D11::Device;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::StartsWith;
 using Lines = std::vector<std::string>;
-using ZEMO::Test::D3D11Calls;
-using ZEMO::Test::DebugLogCapture;
 
 constexpr char kAllLevels[] =
     "D3D11CreateDevice levels B100 B000 A100 A000 count 4 adapter null type 1 software null flags 0 version 7";
@@ -348,4 +348,4 @@ TEST_F(D3D11Layer, CompilerModule_TakenFromBesideTheLibrary) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

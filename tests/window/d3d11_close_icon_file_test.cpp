@@ -9,19 +9,16 @@
 #include "support/scratch_directory.h"
 #include "window/d3d11_window.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
 
-using ZEMO::Test::DebugLogCapture;
-using ZEMO::Test::ImportReplaced;
-using ZEMO::Test::ScratchDirectory;
+using namespace ZEMO::UI;
 
 std::wstring otherFile;
 std::wstring askedFor;
 
 FILE* openOther(const wchar_t* path, const wchar_t* mode) {
-    static const auto real =
-        ZEMO::Test::systemFunction<FILE*(const wchar_t*, const wchar_t*)>(L"ucrtbase.dll", "_wfopen");
+    static const auto real = systemFunction<FILE*(const wchar_t*, const wchar_t*)>(L"ucrtbase.dll", "_wfopen");
     askedFor = path;
     return otherFile.empty() ? nullptr : real(otherFile.c_str(), mode);
 }
@@ -44,14 +41,14 @@ TEST(D3D11CloseIconFile, Missing_PageWithoutIcon) { expectNoIcon(0); }
 
 TEST(D3D11CloseIconFile, NoPicture_PageWithoutIcon) {
     const ScratchDirectory directory;
-    otherFile = directory.write(L"icon.png", ZEMO::Test::Bytes(500, 'x')).wstring();
+    otherFile = directory.write(L"icon.png", Bytes(500, 'x')).wstring();
     expectNoIcon(0);
 }
 
 // A bitmap of 24 bits: three channels, shorter than the texture that it would have to fill.
 TEST(D3D11CloseIconFile, WithoutAlpha_PageWithoutIconAndALogLine) {
     const ScratchDirectory directory;
-    ZEMO::Test::Bytes bitmap(54 + 16, 0x40);
+    Bytes bitmap(54 + 16, 0x40);
     const uint8_t header[54] = {'B', 'M', 70, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0,  40,
                                 0,   0,   0,  2, 0, 0, 0, 2, 0, 0, 0,  1, 0, 24, 0};
     std::copy(std::begin(header), std::end(header), bitmap.begin());
@@ -67,4 +64,4 @@ TEST(D3D11CloseIconFile, SecondRenderer_FileIsNotReadAgain) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

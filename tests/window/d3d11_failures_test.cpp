@@ -11,16 +11,15 @@
 #include "support/import_replaced.h"
 #include "window/d3d11_window.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using Lines = std::vector<std::string>;
 using testing::Contains;
 using testing::Not;
 using testing::StartsWith;
-using ZEMO::Test::D3D11Calls;
-using ZEMO::Test::DebugLogCapture;
-using ZEMO::Test::ImportReplaced;
 
 const Picture kPage = noise(320, 200, 0xFF);
 const Picture kNothing = solid(320, 200, kBehindPage);
@@ -421,4 +420,4 @@ TEST(D3D11Objects, RendererEnds_DeviceWithAllItsObjectsGoes) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

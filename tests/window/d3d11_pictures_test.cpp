@@ -8,8 +8,10 @@
 #include "render/close_image.h"
 #include "window/d3d11_window.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 constexpr int kRounding = 1;
 constexpr int kIconRounding = 2;  // the sampler rounds as well
@@ -245,4 +247,4 @@ TEST(D3D11Pictures, OnTheScreen_SamePixels) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <format>
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 int channel(uint32_t pixel, int index) { return static_cast<int>(pixel >> (8 * index) & 0xFF); }
 
@@ -72,7 +74,7 @@ bool D3D11Window::render(bool needResize) {
 }
 
 std::string D3D11Window::differences(const Picture& expected, int tolerance) const {
-    const ZEMO::Test::PresentedPicture shown = calls.presented();
+    const PresentedPicture shown = calls.presented();
     if (shown.width != expected.width || shown.height != expected.height) {
         return std::format("{}x{} in place of {}x{}", shown.width, shown.height, expected.width, expected.height);
     }
@@ -93,4 +95,4 @@ std::string D3D11Window::differences(const Picture& expected, int tolerance) con
     return count == 0 ? "" : std::format("{} pixels differ; {}", count, first);
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

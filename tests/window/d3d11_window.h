@@ -11,7 +11,7 @@
 #include "support/d3d11_calls.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 
 /// A frame as the engine paints it: B, G, R, A, premultiplied.
 struct Picture {
@@ -37,15 +37,15 @@ public:
 
     /// Through the window's own thread; waits until the client area has the size.
     void resize(int width, int height);
-    void paint(const Picture& picture, PaintElementType type = PET_VIEW);
+    void paint(const Picture& picture, UI::PaintElementType type = PET_VIEW);
     /// One cycle. Whether a resize is still asked for after it.
     bool render(bool needResize = false);
     /// What was presented last against what must have been: empty when no channel differs by more than `tolerance`.
     std::string differences(const Picture& expected, int tolerance = 0) const;
 
-    ZEMO::Test::D3D11Calls calls;
+    D3D11Calls calls;
     GameWindow game;
-    std::shared_ptr<IOsrRenderer> renderer;
+    std::shared_ptr<UI::IOsrRenderer> renderer;
 };
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

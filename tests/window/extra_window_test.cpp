@@ -13,8 +13,10 @@
 #include "window/call_watch.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 constexpr wchar_t kParentClass[] = L"TestExtraWindowParent";
 constexpr WPARAM kOurs = 0x5A5A;  ///< marks the messages that a test sends
@@ -384,4 +386,4 @@ TEST_F(ExtraWindowOfAView, LayerDroppedOnAnotherThread_WindowAndViewStand) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -18,8 +18,10 @@
 #include "support/scratch_directory.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using Paths = std::vector<std::filesystem::path>;
 
@@ -160,7 +162,7 @@ protected:
     }
     std::wstring path(const wchar_t* name) const { return (files.path() / name).wstring(); }
 
-    ZEMO::Test::ScratchDirectory files;
+    ScratchDirectory files;
     std::shared_ptr<Receiver> receiver = std::make_shared<Receiver>();
     std::shared_ptr<ZEMOFileSelectViewImpl> view = std::make_shared<ZEMOFileSelectViewImpl>();
 };
@@ -303,4 +305,4 @@ TEST_F(FileSelectView, WorkingDirectory_IsWhatItWas) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -6,8 +6,10 @@
 #include "zemo/ui.h"
 
 // Exports that act on the game's windows, with real windows of this and of another process in front.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 /// A game whose main window the manager knows; nothing is subclassed, so that its own procedure sees every message.
 class GameExports : public testing::Test {
@@ -76,7 +78,7 @@ TEST_F(GameExports, AnotherWindowOfTheGameInFront_NothingIsPosted) {
 }
 
 TEST_F(GameExports, AnotherApplicationInFront_NothingIsPosted) {
-    ZEMO::Test::HelperProcess other(ZEMO::Test::helperPath(L"platform_probe.exe"), {L"shown", L"ready", L"pump"});
+    HelperProcess other(helperPath(L"platform_probe.exe"), {L"shown", L"ready", L"pump"});
     ASSERT_TRUE(other.line("ready")) << other.output();
     ASSERT_TRUE(bringToFront(FindWindowW(L"ZemoPlatformProbe", nullptr)));
     DWORD process = 0;
@@ -120,4 +122,4 @@ TEST_F(GameExports, FocusAskedForWithoutAMainWindow_Nothing) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

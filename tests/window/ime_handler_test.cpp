@@ -10,11 +10,11 @@
 
 // The handler on a real window with its real input context: the system loads an input method module for the keyboard
 // layout, the display's keys go to it, and its messages come to the window.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
 
-using ZEMO::Test::ImeKeyboard;
-using ZEMO::Test::pressKeys;
+using namespace ZEMO::UI;
+
 using Lines = std::vector<std::string>;
 
 std::string utf8(const std::wstring& wide) { return CefString(wide).ToString(); }
@@ -224,4 +224,4 @@ TEST(OsrImeHandler, DestroyedOnAnotherThread_LeavesThatThreadsCaretAlone) {
     DestroyCaret();
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -98,4 +98,4 @@ bool ImeWindow::hasContext() const {
     return has;
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

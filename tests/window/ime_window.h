@@ -7,7 +7,7 @@
 #include <chrono>
 #include <functional>
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 
 /// A window of the test's own thread that has the keyboard, with its real input context. What `take` does not take goes
 /// the system's default way.
@@ -37,4 +37,4 @@ private:
     static LRESULT CALLBACK procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 };
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

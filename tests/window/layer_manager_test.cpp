@@ -11,8 +11,10 @@
 #include "support/import_replaced.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using Lines = std::vector<std::string>;
 
@@ -92,7 +94,7 @@ protected:
     static bool isRaised() { return priority() == REALTIME_PRIORITY_CLASS || priority() == HIGH_PRIORITY_CLASS; }
 
     const HMODULE xinput = LoadLibraryW(L"xinput1_4.dll");  ///< there, as after the library's start
-    ZEMO::Test::ImportReplaced lookUp{"GetProcAddress", &findXInputHere};
+    ImportReplaced lookUp{"GetProcAddress", &findXInputHere};
     std::shared_ptr<Journal> journal = std::make_shared<Journal>();
     ZEMOMultiLayerManager manager;  ///< one of the test's own, always empty at first
     LRESULT result = -1;
@@ -778,4 +780,4 @@ TEST_F(LayerManager, WindowDestroyed_LayerHearsOfItAndTheGameToo) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

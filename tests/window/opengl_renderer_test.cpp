@@ -12,12 +12,11 @@
 
 // A view's picture in a real window by real OpenGL, read back. Only the order of the window system's calls and the
 // failures that this machine doesn't have are looked at with stand-ins.
-namespace ZEMO::UI {
+namespace ZEMO::Test {
 namespace {
 
-using Test::GlCalls;
-using Test::ShownPicture;
-using Test::ShownPictures;
+using namespace ZEMO::UI;
+
 using Calls = std::vector<std::string>;
 
 const auto kDevice = reinterpret_cast<HDC>(0xD0);
@@ -84,13 +83,13 @@ protected:
         const ShownPicture picture = shown();
         ASSERT_EQ(picture.pixels.size(), frame.size());
         for (size_t i = 0; i < frame.size(); ++i) {
-            const uint32_t expected = ZEMO::Test::overBackground(frame[i]);
-            ASSERT_LE(ZEMO::Test::channelDistance(picture.pixels[i], expected), tolerance)
+            const uint32_t expected = overBackground(frame[i]);
+            ASSERT_LE(channelDistance(picture.pixels[i], expected), tolerance)
                 << i % width << "," << i / width << std::format(" is {:08x}, not {:08x}", picture.pixels[i], expected);
         }
     }
 
-    ZEMO::UI::test::GameWindow window{{100, 80, 420, 280}};
+    GameWindow window{{100, 80, 420, 280}};
     RECT client;
     int width, height;
     std::vector<uint32_t> frame;
@@ -138,7 +137,7 @@ TEST(OpenGLRenderer, DrawingThrows_PictureIsShownAndContextReleasedAllTheSame) {
 
 TEST(OpenGLRenderer, NoPixelFormatAndNoContext_NothingDrawnAndOneLineInTheLog) {
     const uint32_t pixels[16]{};
-    ZEMO::Test::DebugLogCapture log;
+    DebugLogCapture log;
     WindowSystemCalls calls(false);
     OpenGLRenderer renderer(nullptr, true);
     for (int i = 0; i < 3; ++i) renderer.onPaint(PET_VIEW, {}, pixels, 4, 4);
@@ -306,8 +305,8 @@ TEST_F(Drawn, WindowThatTheGameDrawsWithOpenGl_ItsContextAndPictureAreLeftAlone)
 }
 
 TEST(OpenGLRenderer, DroppedOnAThreadOfTheGamesDrawing_GamesTexturesStay) {
-    ZEMO::UI::test::GameWindow game({100, 80, 420, 280});
-    ZEMO::UI::test::GameWindow own({500, 80, 820, 280});
+    GameWindow game({100, 80, 420, 280});
+    GameWindow own({500, 80, 820, 280});
     std::optional<OpenGLRenderer> renderer(std::in_place, own.handle(), true);
     const std::vector<uint32_t> pixels(64);
     renderer->onPaint(PET_VIEW, {}, pixels.data(), 8, 8);
@@ -330,4 +329,4 @@ TEST(OpenGLRenderer, DroppedOnAThreadOfTheGamesDrawing_GamesTexturesStay) {
     });
 }
 
-}  // namespace ZEMO::UI
+}  // namespace ZEMO::Test

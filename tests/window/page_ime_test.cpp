@@ -12,10 +12,10 @@
 
 // A page's text input on a real window with its real input context, as far as it needs no page: there is no browser
 // here, so nothing is sent to one.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
 
-using ZEMO::Test::ImeKeyboard;
+using namespace ZEMO::UI;
 
 class PageImeTest : public ::testing::Test {
 protected:
@@ -266,4 +266,4 @@ TEST(PageImeThreads, ClosedOnAnotherThread_WindowsThreadRestoresTheState) {
     EXPECT_TRUE(open);
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

@@ -12,8 +12,10 @@
 #include "zemo/ui.h"
 
 // Injected events as they arrive at a real window, first at a game's own procedure, then at a layer on it.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 constexpr UINT kEnd = WM_USER + 300;  // posted behind an event: messages come in order
 constexpr LPARAM kFirstPress = 1, kRelease = 0xC0000001;
@@ -244,4 +246,4 @@ TEST_F(RemoteInputLayer, TenThousandMixedEventsFromFourThreads_NoneLost) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

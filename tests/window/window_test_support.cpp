@@ -9,7 +9,9 @@
 
 #include "layers/input_modifiers.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
+
+using namespace ZEMO::UI;
 
 namespace {
 constexpr UINT kRunWork = WM_APP + 900;
@@ -309,4 +311,4 @@ bool waitForThreadEnd(DWORD threadId, HANDLE threadHandle) {
     return ended;
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

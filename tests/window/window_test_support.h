@@ -16,7 +16,7 @@
 #include "layers/layer_manager.h"
 #include "layers/zemo_window.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 
 inline constexpr auto kPatience = std::chrono::seconds(20);
 
@@ -93,10 +93,10 @@ private:
 };
 
 /// A real native window layer that writes down every event with its arguments.
-class RecordingLayer : public ZEMOWindow {
+class RecordingLayer : public UI::ZEMOWindow {
 public:
     struct Options {
-        WindowStyle style = WindowStyle::Layer;
+        UI::WindowStyle style = UI::WindowStyle::Layer;
         Size size{640, 400};
         HWND parent = nullptr;
         bool frameConsumerActive = true;
@@ -180,4 +180,4 @@ POINT contentPoint(HWND window);
 /// Waits until the thread of the handle has ended.
 bool waitForThreadEnd(DWORD threadId, HANDLE threadHandle);
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

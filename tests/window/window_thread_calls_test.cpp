@@ -9,9 +9,10 @@
 #include "window/window_test_support.h"
 
 // Calls that travel to a window's thread, on the windows that take them.
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
 
+using namespace ZEMO::UI;
 using namespace std::chrono_literals;
 constexpr auto kLongEnough = 20s;
 
@@ -83,4 +84,4 @@ TEST(WindowThreadCalls, WindowThatGoesFirst_CallIsDroppedAndItsValuesAreFreed) {
     EXPECT_EQ(*value, 1);
 }
 
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

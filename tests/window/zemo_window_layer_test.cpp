@@ -16,8 +16,10 @@
 #include "window/cursor_file_for_test.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using Lines = std::vector<std::string>;
 
@@ -547,8 +549,7 @@ protected:
     }
 
 private:
-    ZEMO::Test::ImportReplaced pointerInfo{"GetPointerInfo",
-                                           &fakePointerInfo};  // a posted pointer message carries no data here
+    ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};  // a posted pointer message carries no data here
 };
 
 constexpr WPARAM kPointer7 = MAKEWPARAM(7, 0x1234);  // the flags in the high word are not part of the id
@@ -737,4 +738,4 @@ TEST_F(ZemoWindowLayer, CursorFileBesideTheLibrary_IsLoadedInTheConstructor) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test

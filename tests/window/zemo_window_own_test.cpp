@@ -27,8 +27,10 @@
 #include "window/cursor_file_for_test.h"
 #include "window/window_test_support.h"
 
-namespace ZEMO::UI::test {
+namespace ZEMO::Test {
 namespace {
+
+using namespace ZEMO::UI;
 
 using Lines = std::vector<std::string>;
 
@@ -119,7 +121,7 @@ constexpr LPARAM kNegative = MAKELPARAM(0xFFFB, 0xFF38);  // (-5, -200)
 // --- the window ---
 
 TEST_F(ZemoWindowOwn, Made_WindowStandsBeforeTheConstructorReturns) {
-    const ZEMO::Test::DebugLogCapture log;
+    const DebugLogCapture log;
     make({.size = {640, 400}, .title = "A title \xE4"});
     ASSERT_TRUE(IsWindow(window));
     EXPECT_TRUE(IsWindowVisible(window));
@@ -204,7 +206,7 @@ struct IconCall {
 };
 std::optional<IconCall> iconCall;
 HANDLE WINAPI redirectedLoadImage(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
-    static const auto system = ZEMO::Test::systemFunction<decltype(LoadImageW)>(L"user32.dll", "LoadImageW");
+    static const auto system = systemFunction<decltype(LoadImageW)>(L"user32.dll", "LoadImageW");
     if (!IS_INTRESOURCE(name) && std::wstring_view(name).ends_with(L"zemowindow.ico")) {
         iconCall = {module, name, type, width, height, flags};
         name = iconFile.c_str();
@@ -229,8 +231,8 @@ protected:
                     GetLastError() == ERROR_CLASS_DOES_NOT_EXIST);
     }
 
-    ZEMO::Test::ScratchDirectory directory;
-    ZEMO::Test::ImportReplaced replaced{"LoadImageW", redirectedLoadImage};
+    ScratchDirectory directory;
+    ImportReplaced replaced{"LoadImageW", redirectedLoadImage};
 };
 
 TEST_F(ZemoWindowOwnClass, Registered_IconIsAskedForByItsRelativeName) {
@@ -246,7 +248,7 @@ TEST_F(ZemoWindowOwnClass, Registered_IconIsAskedForByItsRelativeName) {
 
 TEST_F(ZemoWindowOwnClass, IconFile_IsTheLargeAndTheSmallIcon) {
     const auto orange = [](int, int) { return 0xFFFF8040u; };
-    directory.write(L"window.ico", ZEMO::Test::makeCursorFile(1, {{32, 32, orange}}));
+    directory.write(L"window.ico", makeCursorFile(1, {{32, 32, orange}}));
     make();
     const auto icon = reinterpret_cast<HICON>(GetClassLongPtrW(window, GCLP_HICON));
     EXPECT_EQ(reinterpret_cast<HICON>(GetClassLongPtrW(window, GCLP_HICONSM)), icon);
@@ -281,7 +283,7 @@ TEST_F(ZemoWindowOwnClass, Registered_BackgroundIsTheValueOne) {
 std::atomic<int> createdWidth, createdHeight;
 HWND WINAPI watchedCreateWindow(DWORD exStyle, LPCWSTR name, LPCWSTR title, DWORD style, int x, int y, int width,
                                 int height, HWND parent, HMENU menu, HINSTANCE instance, LPVOID argument) {
-    static const auto system = ZEMO::Test::systemFunction<decltype(CreateWindowExW)>(L"user32.dll", "CreateWindowExW");
+    static const auto system = systemFunction<decltype(CreateWindowExW)>(L"user32.dll", "CreateWindowExW");
     createdWidth = width;
     createdHeight = height;
     return system(exStyle, name, title, style, x, y, width, height, parent, menu, instance, argument);
@@ -292,7 +294,7 @@ TEST_F(ZemoWindowOwn, SizeOfAnyTwoNumbers_WindowStandsAndAnswers) {
     for (const Size size : {Size{INT_MAX, INT_MAX}, Size{0, 0}, Size{-1, -1}, Size{INT_MIN, INT_MIN},
                             Size{INT_MIN, 300}, Size{400, INT_MAX}}) {
         SCOPED_TRACE(text("%d, %d", size.width, size.height));
-        const ZEMO::Test::ImportReplaced replaced("CreateWindowExW", watchedCreateWindow);
+        const ImportReplaced replaced("CreateWindowExW", watchedCreateWindow);
         make({.size = size});
         EXPECT_EQ(createdWidth, logicalToDevice(size.width, scale));
         EXPECT_EQ(createdHeight, logicalToDevice(size.height, scale));
@@ -305,12 +307,12 @@ TEST_F(ZemoWindowOwn, SizeOfAnyTwoNumbers_WindowStandsAndAnswers) {
 // The system's scale is asked for once in a process, so that another one needs a process of its own: this program runs
 // the test once more there, with another answer for the dots of the screen.
 int WINAPI fakeDeviceCaps(HDC dc, int index) {
-    static const auto system = ZEMO::Test::systemFunction<decltype(GetDeviceCaps)>(L"gdi32.dll", "GetDeviceCaps");
+    static const auto system = systemFunction<decltype(GetDeviceCaps)>(L"gdi32.dll", "GetDeviceCaps");
     return index == LOGPIXELSX ? 144 : system(dc, index);
 }
 
 int madeAtAnotherScale() {
-    const ZEMO::Test::ImportReplaced replaced("GetDeviceCaps", fakeDeviceCaps);
+    const ImportReplaced replaced("GetDeviceCaps", fakeDeviceCaps);
     RecordingLayer::Options options;
     options.style = WindowStyle::Window;
     options.size = {401, 300};
@@ -331,7 +333,7 @@ TEST_F(ZemoWindowOwn, SystemScaleOfOneAndAHalf_DeviceSizeIsOneAndAHalfTimesTheLo
 #ifdef __MINGW32__
 
 int __cdecl failingStat(const wchar_t* path, struct _stat64* result) {
-    static const auto system = ZEMO::Test::systemFunction<decltype(_wstat64)>(L"ucrtbase.dll", "_wstat64");
+    static const auto system = systemFunction<decltype(_wstat64)>(L"ucrtbase.dll", "_wstat64");
     if (!std::wstring_view(path).ends_with(L"customcursor.cur")) return system(path, result);
     errno = EACCES;
     return -1;
@@ -343,7 +345,7 @@ TEST_F(ZemoWindowOwn, CursorLoaderThatThrowsOnTheWindowsThread_ConstructorThrows
     options.style = WindowStyle::Window;
     options.title = "a window that must not stay";
     {
-        const ZEMO::Test::ImportReplaced replaced("_wstat64", failingStat);
+        const ImportReplaced replaced("_wstat64", failingStat);
         EXPECT_THROW(ZEMOWindow::create<OwnLayer>(options, everything, sent), std::filesystem::filesystem_error);
         EXPECT_EQ(FindWindowW(L"ZEMOExtraWindowClass", L"a window that must not stay"), nullptr);
     }
@@ -628,7 +630,7 @@ protected:
     ~ZemoWindowOwnPointer() override { closeAll(); }
 
 private:
-    ZEMO::Test::ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};
+    ImportReplaced pointerInfo{"GetPointerInfo", &fakePointerInfo};
 };
 
 constexpr WPARAM kPointer7 = MAKEWPARAM(7, 0x1234);
@@ -703,7 +705,7 @@ TEST_F(ZemoWindowOwnPointer, MousePressOnTheCloseButton_ClearsTheUserDataAndClic
 // --- the end ---
 
 TEST_F(ZemoWindowOwn, Closed_IsToldThenDestroyedAndTheThreadEnds) {
-    const ZEMO::Test::DebugLogCapture log;
+    const DebugLogCapture log;
     make();
     PostMessageW(window, WM_CLOSE, 0, 0);
     ASSERT_TRUE(waitForThreadEnd(threadId, thread));
@@ -790,8 +792,7 @@ TEST_F(ZemoWindowOwn, LayersComeAndGoUnderABusyWindow_NothingCrashes) {
 std::atomic<HWND> touchOf = nullptr;
 std::atomic<int> touches = 0;
 LONG_PTR WINAPI watchedSetWindowLong(HWND hwnd, int index, LONG_PTR value) {
-    static const auto system =
-        ZEMO::Test::systemFunction<decltype(SetWindowLongPtrW)>(L"user32.dll", "SetWindowLongPtrW");
+    static const auto system = systemFunction<decltype(SetWindowLongPtrW)>(L"user32.dll", "SetWindowLongPtrW");
     if (hwnd == touchOf) ++touches;
     return system(hwnd, index, value);
 }
@@ -800,7 +801,7 @@ TEST_F(ZemoWindowOwn, DestroyedAfterItsWindow_LeavesTheHandleAlone) {
     make();
     touchOf = window;
     touches = 0;
-    const ZEMO::Test::ImportReplaced replaced("SetWindowLongPtrW", watchedSetWindowLong);
+    const ImportReplaced replaced("SetWindowLongPtrW", watchedSetWindowLong);
     PostMessageW(window, WM_CLOSE, 0, 0);
     ASSERT_TRUE(waitForThreadEnd(threadId, thread));
     layer.reset();
@@ -811,7 +812,7 @@ TEST_F(ZemoWindowOwn, DestroyedBeforeItsWindow_ClearsTheUserDataOnce) {
     make();
     touchOf = window;
     touches = 0;
-    const ZEMO::Test::ImportReplaced replaced("SetWindowLongPtrW", watchedSetWindowLong);
+    const ImportReplaced replaced("SetWindowLongPtrW", watchedSetWindowLong);
     layer.reset();
     EXPECT_EQ(touches, 1);
     EXPECT_EQ(GetWindowLongPtrW(window, GWLP_USERDATA), 0);
@@ -832,4 +833,4 @@ TEST(OwnWindowLinkTest, WindowDestroyed_HandleOfAnotherWindowByNowIsLeftAlone) {
 }
 
 }  // namespace
-}  // namespace ZEMO::UI::test
+}  // namespace ZEMO::Test
