@@ -5,6 +5,7 @@
 
 #include "binding_traits.h"
 #include "client/engine_task.h"
+#include "client/page_browser.h"
 #include "engine/client/cef_handler.h"
 #include "include/cef_browser.h"
 #include "layers/layer_manager.h"
@@ -416,13 +417,7 @@ TEST(ConsumerCallsWithAPage, Hidden_NeitherNewSizeNorFrameIsAskedFor) {
     GameHost game;
     const auto calls = std::make_shared<Calls>();
     const CefRefPtr<RecordedClient> client = new RecordedClient(game.window, WindowStyle::Layer, false, calls);
-    CefWindowInfo windowInfo;
-    windowInfo.parent_window = game.window;
-    windowInfo.windowless_rendering_enabled = true;
-    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
-    CefBrowserSettings settings;
-    settings.windowless_frame_rate = 30;
-    CefBrowserHost::CreateBrowser(windowInfo, client, "data:text/html,x", settings, nullptr, nullptr);
+    createBrowser(game.window, client, "data:text/html,x");
     calls->wantsRepaint = true;  // every cycle of the render thread asks the engine
     // The engine asks for the size when it is told of a new one, and paints when it is asked to.
     const auto goesOn = [&](const std::atomic<int>& count) {

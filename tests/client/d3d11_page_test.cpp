@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "client/engine_task.h"
+#include "client/page_browser.h"
 #include "engine/client/cef_handler.h"
 #include "engine/game_host.h"
 #include "include/cef_browser.h"
@@ -111,13 +112,7 @@ public:
         EXPECT_FLOAT_EQ(getWindowScale(game->window), scale) << "the session's scale";
         server.serveHtml("/", html);
         client = new Direct3DClient(game->window, closeButton, scale, frames);
-        CefWindowInfo windowInfo;
-        windowInfo.parent_window = game->window;
-        windowInfo.windowless_rendering_enabled = true;
-        windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
-        CefBrowserSettings settings;
-        settings.windowless_frame_rate = 30;
-        CefBrowserHost::CreateBrowser(windowInfo, client, server.url("/"), settings, nullptr, nullptr);
+        createBrowser(game->window, client, server.url("/"));
     }
     ~Direct3DPage() { client->close(); }
     Direct3DPage(const Direct3DPage&) = delete;

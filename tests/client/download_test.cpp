@@ -9,11 +9,13 @@
 
 #include "client/client_view.h"
 #include "client/engine_task.h"
+#include "client/page_browser.h"
 #include "client/page_report.h"
 #include "core/wine/wine.h"
 #include "engine/client/request/downloads.h"
 #include "support/import_replaced.h"
 #include "support/scratch_directory.h"
+#include "support/window_text.h"
 
 // Downloads through the engine's save dialog, driven by real keys, and the context menu that is not there.
 namespace ZEMO::Test {
@@ -60,19 +62,6 @@ std::wstring documentsFolder() {
     return folder;
 }
 
-std::wstring classOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-std::wstring textOf(HWND window) {
-    wchar_t text[1024] = {};
-    DWORD_PTR length = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text), SMTO_NORMAL, 20'000, &length);
-    return text;
-}
-
 /// Visible top-level windows of this process.
 std::set<HWND> visibleWindows() {
     std::set<HWND> found;
@@ -113,12 +102,7 @@ protected:
                                           "<script>window.alert=text=>report('alert '+text);</script>");
         client = new DownloadWatch({facade, events}, game.window, WindowStyle::Layer, false, nullptr, 0,
                                    game.frames.callback());
-        CefWindowInfo windowInfo;
-        windowInfo.parent_window = game.window;
-        windowInfo.windowless_rendering_enabled = true;
-        windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
-        CefBrowserHost::CreateBrowser(windowInfo, client, reports.server.url("/"), CefBrowserSettings(), nullptr,
-                                      nullptr);
+        createBrowser(game.window, client, reports.server.url("/"));
     }
     ~Download() override {
         client->close();

@@ -65,15 +65,6 @@ KeysHeld::KeysHeld(const std::vector<int>& down, const std::vector<int>& toggled
     SetKeyboardState(keys);
 }
 
-void sendRealKey(WORD virtualKey, DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = virtualKey;
-    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC));
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
-}
-
 void tapRealKey(WORD virtualKey, DWORD flags) {
     sendRealKey(virtualKey, flags);
     sendRealKey(virtualKey, flags | KEYEVENTF_KEYUP);

@@ -5,6 +5,7 @@
 
 #include "engine/game_host.h"
 #include "support/http_server.h"
+#include "support/real_key.h"
 
 namespace ZEMO::Test {
 
@@ -87,9 +88,7 @@ private:
     BYTE before[256] = {};
 };
 
-/// A key of the display's keyboard, pressed or released.
-void sendRealKey(WORD virtualKey, DWORD flags);
-/// Pressed and released.
+/// A key of the display's keyboard, pressed and released.
 void tapRealKey(WORD virtualKey, DWORD flags = 0);
 
 }  // namespace ZEMO::Test

@@ -4,6 +4,7 @@
 #include <format>
 #include <iostream>
 
+#include "client/page_browser.h"
 #include "render/close_button_metrics.h"
 #include "render/close_image.h"
 #include "render/display_scale.h"
@@ -152,25 +153,12 @@ std::string EngineFrames::order() const {
 LocalView::LocalView(GameHost& host, const std::string& address, Options options)
     : game(host), closeButton(options.closeButton) {
     adapter = new WatchedAdapter({facade, events}, host.window, options, frames);
-    CefWindowInfo windowInfo;
-    windowInfo.parent_window = host.window;
-    windowInfo.windowless_rendering_enabled = true;
-    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
-    CefBrowserSettings settings;
-    settings.windowless_frame_rate = 30;
-    CefBrowserHost::CreateBrowser(windowInfo, adapter, address, settings, nullptr, nullptr);
+    createBrowser(host.window, adapter, address);
 }
 
 LocalView::~LocalView() { adapter->close(); }
 
-void LocalView::click(int x, int y) {
-    CefMouseEvent event;
-    event.x = x;
-    event.y = y;
-    browserHost()->SendMouseMoveEvent(event, false);
-    browserHost()->SendMouseClickEvent(event, MBT_LEFT, false, 1);
-    browserHost()->SendMouseClickEvent(event, MBT_LEFT, true, 1);
-}
+void LocalView::click(int x, int y) { clickPage(browserHost(), x, y); }
 
 // Empty when the window shows what it must.
 std::string LocalView::difference() const {

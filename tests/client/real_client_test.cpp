@@ -5,6 +5,7 @@
 #include "cef/engine_library.h"
 #include "client/client_view.h"
 #include "client/engine_task.h"
+#include "client/page_browser.h"
 #include "engine/cef_module.h"
 #include "render/display_scale.h"
 #include "render/rendering_mode.h"
@@ -149,13 +150,8 @@ TEST(RealClient, SecondBrowserCreated_FirstStays) {
     ClientView view(game, "data:text/html,x");
     ASSERT_TRUE(game.waitFor("the browser", [&] { return view.adapter->getBrowser() != nullptr; }));
     const int first = view.adapter->getBrowser()->GetIdentifier();
-    CefWindowInfo windowInfo;
-    windowInfo.parent_window = game.window;
-    windowInfo.windowless_rendering_enabled = true;
-    windowInfo.runtime_style = CEF_RUNTIME_STYLE_ALLOY;
     // A second real browser with the same client; it is left to the end of the process.
-    CefBrowserHost::CreateBrowser(windowInfo, view.adapter, "data:text/html,second", CefBrowserSettings(), nullptr,
-                                  nullptr);
+    createBrowser(game.window, view.adapter, "data:text/html,second");
     ASSERT_TRUE(game.waitFor("both loads", [&] { return view.events->count("completed") >= 2; }));
     EXPECT_EQ(view.adapter->getBrowser()->GetIdentifier(), first);
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/unique_handle.h"
+#include "support/real_key.h"
 
 namespace ZEMO::Test {
 namespace {
@@ -44,15 +45,6 @@ bool loadModule() {
     return LoadLibraryW((directory + L"test_helpers\\" + kModuleName).c_str()) != nullptr;
 }
 
-void sendKey(WORD virtualKey, DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = virtualKey;
-    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC));
-    input.ki.dwFlags = flags;
-    SendInput(1, &input, sizeof input);
-}
-
 }  // namespace
 
 ImeKeyboard::ImeKeyboard(WORD language) : before(GetKeyboardLayout(0)), layout(layoutOf(language)) {
@@ -77,15 +69,15 @@ bool ImeKeyboard::isOpen(HWND window) {
 
 void pressKeys(std::initializer_list<WORD> virtualKeys) {
     for (const WORD key : virtualKeys) {
-        sendKey(key, 0);
-        sendKey(key, KEYEVENTF_KEYUP);
+        sendRealKey(key, 0);
+        sendRealKey(key, KEYEVENTF_KEYUP);
     }
 }
 
 void pressKeysWithShift(std::initializer_list<WORD> virtualKeys) {
-    sendKey(VK_SHIFT, 0);
+    sendRealKey(VK_SHIFT, 0);
     pressKeys(virtualKeys);
-    sendKey(VK_SHIFT, KEYEVENTF_KEYUP);
+    sendRealKey(VK_SHIFT, KEYEVENTF_KEYUP);
 }
 
 }  // namespace ZEMO::Test

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "support/scratch_directory.h"
+#include "support/window_text.h"
 #include "window/window_test_support.h"
 
 namespace ZEMO::Test {
@@ -90,19 +91,6 @@ HWND focusOf(HWND dialog) {
     info.cbSize = sizeof info;
     GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
     return info.hwndFocus;
-}
-
-std::wstring classOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-std::wstring textOf(HWND edit) {
-    wchar_t text[1024] = {};
-    DWORD_PTR length = 0;
-    SendMessageTimeoutW(edit, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(text), SMTO_NORMAL, 20000, &length);
-    return text;
 }
 
 void pressKey(WORD key) {
