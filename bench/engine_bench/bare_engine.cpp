@@ -89,6 +89,14 @@ void BareClient::open(HWND parent, const std::string& address) {
     CefBrowserHost::CreateBrowser(windowInfo, this, address, settings, nullptr, nullptr);
 }
 
+void BareClient::sendKey(cef_key_event_type_t type, WPARAM virtualKey, LPARAM lParam) {
+    CefKeyEvent event;
+    event.windows_key_code = static_cast<int>(virtualKey);
+    event.native_key_code = static_cast<int>(lParam);
+    event.type = type;
+    browser->GetHost()->SendKeyEvent(event);
+}
+
 void BareClient::close() {
     const CefRefPtr<BareClient> self = this;
     CefPostTask(TID_UI, new Work([self] {

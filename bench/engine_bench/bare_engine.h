@@ -25,6 +25,8 @@ public:
 
     /// Makes the browser as a web layer does. Any thread.
     void open(HWND parent, const std::string& address);
+    /// Once a paint has come.
+    void sendKey(cef_key_event_type_t type, WPARAM virtualKey, LPARAM lParam);
     void close();
     bool closed() const { return ended; }
     /// Each on the engine thread; set before `open`.
@@ -47,7 +49,7 @@ public:
 private:
     const int width, height;
     const Paint paint;
-    CefRefPtr<CefBrowser> browser;  ///< engine thread
+    CefRefPtr<CefBrowser> browser;  ///< engine thread; others only while it stays as it is
     std::atomic<bool> ended{false};
     IMPLEMENT_REFCOUNTING(BareClient);
 };

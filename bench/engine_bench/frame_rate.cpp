@@ -19,7 +19,8 @@ int measureFrameRate(int width, int height) {
     std::vector<double> rates[2], pictures[2], missing;
     for (int pair = 0; pair < kPairs; ++pair) {
         for (const Host host : {Host::Library, Host::Bare}) {
-            const RunResult result = runInOwnProcess({host, width, height, kSeconds, server.url("/")});
+            const RunResult result = runInOwnProcess(
+                {.host = host, .width = width, .height = height, .countSeconds = kSeconds, .address = server.url("/")});
             rates[static_cast<int>(host)].push_back(result.framesPerSecond);
             pictures[static_cast<int>(host)].push_back(result.pictures);
         }

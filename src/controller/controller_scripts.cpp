@@ -47,6 +47,58 @@ constexpr char kScriptListEnd[] =
     "        document.body.appendChild(keymapDiv);"
     "    });"
     "})();";
+
+// Calls of a function if the page has it: a fault of the page stays in the page.
+constexpr char kInitCallBegin[] = R"(
+            (function() {
+                try {
+                    if (typeof initClientGamePad === 'function') {
+                        initClientGamePad()";
+constexpr char kInitCallEnd[] = R"();
+                    } else {
+                        console.warn('initClientGamePad is not defined.');
+                    }
+                } catch (error) {
+                    console.error('Error while calling initClientGamePad:', error);
+                }
+            })();
+        )";
+constexpr char kInputCallBegin[] = R"(
+            (function() {
+                try {
+                    if (typeof handleControllerInput === 'function') {
+                        handleControllerInput()";
+constexpr char kInputCallEnd[] = R"();
+                    } else {
+                        console.warn('handleControllerInput is not defined.');
+                    }
+                } catch (error) {
+                    console.error('Error while calling handleControllerInput:', error);
+                }
+            })();
+        )";
+constexpr char kFocusGainedCall[] = R"(
+            (function() {
+                try {
+                    if (typeof handleFocusGained === 'function') {
+                        handleFocusGained();
+                    }
+                } catch (error) {
+                    console.error('Error while calling handleFocusGained:', error);
+                }
+            })();
+        )";
+constexpr char kFocusLostCall[] = R"(
+            (function() {
+                try {
+                    if (typeof handleFocusLost === 'function') {
+                        handleFocusLost();
+                    }
+                } catch (error) {
+                    console.error('Error while calling handleFocusLost:', error);
+                }
+            })();
+        )";
 // clang-format on
 
 std::string pageScript(const std::string& base, bool useFocusStyle, const std::string& status) {
@@ -56,20 +108,6 @@ std::string pageScript(const std::string& base, bool useFocusStyle, const std::s
     if (useFocusStyle) script += "'" + base + "css/focus.css', ";
     script += "        '" + base + "css/keymap.min.css'";
     script += kStyleListEnd + base + "js/spatial_navigation.js', '" + base + kScriptListEnd;
-    return script;
-}
-
-// A call of `function` if the page has it. A fault of the page stays in the page.
-std::string guardedCall(const std::string& function, const std::string& argument, bool warnWhenMissing) {
-    std::string script = "\n            (function() {\n                try {\n                    if (typeof " +
-                         function + " === 'function') {\n                        " + function + "(" + argument +
-                         ");\n                    }";
-    if (warnWhenMissing) {
-        script +=
-            " else {\n                        console.warn('" + function + " is not defined.');\n                    }";
-    }
-    script += "\n                } catch (error) {\n                    console.error('Error while calling " +
-              function + ":', error);\n                }\n            })();\n        ";
     return script;
 }
 
@@ -90,15 +128,15 @@ std::string ControllerScripts::buildControllerPageScript(const std::wstring& url
 }
 
 std::string ControllerScripts::buildInitClientGamePadScript(const std::string& status) {
-    return guardedCall("initClientGamePad", status, true);
+    return kInitCallBegin + status + kInitCallEnd;
 }
 
 std::string ControllerScripts::buildHandleControllerInputScript(const std::string& data) {
-    return guardedCall("handleControllerInput", data, true);
+    return kInputCallBegin + data + kInputCallEnd;
 }
 
-std::string ControllerScripts::buildFocusGainedScript() { return guardedCall("handleFocusGained", {}, false); }
+std::string ControllerScripts::buildFocusGainedScript() { return kFocusGainedCall; }
 
-std::string ControllerScripts::buildFocusLostScript() { return guardedCall("handleFocusLost", {}, false); }
+std::string ControllerScripts::buildFocusLostScript() { return kFocusLostCall; }
 
 }  // namespace ZEMO::UI

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kThreads = 4, kRounds = 500;         // five events a round
 constexpr std::chrono::minutes kBurstPatience{3};  // the engine takes some milliseconds for each on a crowded machine
+constexpr UINT kText = WM_USER + 201;
 
 /// Keeps what came, in order: each thread has texts, a place and a key of its own. A press must not take the focus.
 constexpr char kKeeper[] = R"(<textarea id=field style='position:absolute;top:200px'></textarea><script>
@@ -66,6 +67,8 @@ TEST(InputBurst, TenThousandEventsFromFourThreadsForeground_ThePageHasAllAndEach
         EXPECT_EQ(page.ask(std::format("rising(textsOf({}), i => i)", thread)), "true") << thread;
         EXPECT_EQ(page.ask(std::format("rising(presses[{}], i => i % 180)", thread)), "true") << thread;
     }
+    EXPECT_EQ(page.reachedGame(), std::vector<UINT>(kThreads * kRounds, kText))
+        << "texts go on to the game, no input does";
 }
 
 }  // namespace ZEMO::Test

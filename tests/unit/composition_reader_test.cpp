@@ -104,8 +104,8 @@ TEST(CompositionReader, Target_FirstRunOfTargetAttributes) {
     };
     for (const auto& c : cases) {
         const CompositionTarget target = findTarget(c.attributes);
-        EXPECT_EQ(target.start, c.expected.start) << ::testing::PrintToString(c.attributes);
-        EXPECT_EQ(target.end, c.expected.end) << ::testing::PrintToString(c.attributes);
+        EXPECT_EQ(target.targetStart, c.expected.targetStart) << ::testing::PrintToString(c.attributes);
+        EXPECT_EQ(target.targetEnd, c.expected.targetEnd) << ::testing::PrintToString(c.attributes);
     }
     EXPECT_EQ(std::size(cases), 7u);
 }
@@ -127,7 +127,7 @@ TEST(CompositionReader, Underlines_ThinThickThinAroundTheTarget) {
     };
     for (const auto& c : cases) {
         EXPECT_EQ(linesOf(targetUnderlines(c.length, c.target)), c.expected)
-            << c.length << ": " << c.target.start << "-" << c.target.end;
+            << c.length << ": " << c.target.targetStart << "-" << c.target.targetEnd;
     }
     EXPECT_EQ(std::size(cases), 8u);
 }

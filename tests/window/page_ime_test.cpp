@@ -6,6 +6,7 @@
 
 #include "core/process_state.h"
 #include "layers/window_messages.h"
+#include "support/debug_log.h"
 #include "support/ime_keyboard.h"
 #include "window/ime_window.h"
 #include "window/window_test_support.h"
@@ -109,6 +110,17 @@ TEST_F(PageImeTest, ImeThatKeepsOpeningInAPasswordField_ClosedEightTimesAndThenL
     reportPasswordFocus(true);
     openAgainstThePage();
     EXPECT_FALSE(target.hasContext()) << "the page's focus changed: it counts anew";
+}
+
+TEST_F(PageImeTest, ImeClosedInAPasswordField_LogSaysAtWhichMessage) {
+    reportPasswordFocus(true);
+    const DebugLogCapture log;
+    openAgainstThePage();
+    EXPECT_EQ(log.count("input method closed in a password field: imeSetContext\n"), 1u) << log.dump();
+    ImmAssociateContextEx(target.window, nullptr, IACE_DEFAULT);
+    ImeKeyboard::setOpen(target.window, true);
+    ime.onImeStartComposition();
+    EXPECT_EQ(log.count("input method closed in a password field: imeStartComposition\n"), 1u) << log.dump();
 }
 
 TEST_F(PageImeTest, ClosedImeInAPasswordField_NotCounted) {

@@ -12,7 +12,7 @@ constexpr wchar_t kViewClass[] = L"ZEMOWindowForCEFClass";
 LRESULT CALLBACK viewProc(HWND view, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (extraViewMessageRoute(message)) {
         case ViewMessageRoute::ToParent:
-            PostMessageW(extraWindowState().parent, message, wParam, lParam);
+            PostMessageW(extraWindowState().extraWindowParent, message, wParam, lParam);
             return 0;
         case ViewMessageRoute::Swallowed:
             return 0;
@@ -43,7 +43,7 @@ HWND createView(HWND parent, const Rect& place) {
 
 ZEMOExtraWindowForSteamdeck::ZEMOExtraWindowForSteamdeck(HWND parent, int clientWidth, int clientHeight)
     : width(clientWidth), height(clientHeight) {
-    extraWindowState().parent = parent;
+    extraWindowState().extraWindowParent = parent;
     createExtraWindowButton(parent, extraButtonPlace(width, height));
     registerViewClass();
     viewWindow = createView(parent, extraViewPlace(width, height));

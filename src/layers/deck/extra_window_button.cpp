@@ -37,12 +37,12 @@ void paint(HWND button) {
 
 LRESULT CALLBACK buttonProc(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_PAINT) paint(button);
-    if (message == WM_LBUTTONDOWN) PostMessageW(extraWindowState().parent, WM_CLOSE, 0, 0);
-    return CallWindowProcW(extraWindowState().buttonPreviousProc, button, message, wParam, lParam);
+    if (message == WM_LBUTTONDOWN) PostMessageW(extraWindowState().extraWindowParent, WM_CLOSE, 0, 0);
+    return CallWindowProcW(extraWindowState().extraButtonPreviousProc, button, message, wParam, lParam);
 }
 
 void subclassButton(HWND button) {
-    extraWindowState().buttonPreviousProc = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(button, GWLP_WNDPROC));
+    extraWindowState().extraButtonPreviousProc = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(button, GWLP_WNDPROC));
     SetWindowLongPtrW(button, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&buttonProc));
 }
 

@@ -69,16 +69,17 @@ CompositionTarget findTarget(std::span<const uint8_t> attributes) {
 CompositionUnderlines clauseUnderlines(std::span<const uint32_t> offsets, CompositionTarget target) {
     CompositionUnderlines lines;
     for (size_t i = 0; i + 1 < offsets.size(); ++i) {
-        lines.push_back(line(offsets[i], offsets[i + 1], offsets[i] >= target.start && offsets[i + 1] <= target.end));
+        lines.push_back(
+            line(offsets[i], offsets[i + 1], offsets[i] >= target.targetStart && offsets[i + 1] <= target.targetEnd));
     }
     return lines;
 }
 
 CompositionUnderlines targetUnderlines(uint32_t length, CompositionTarget target) {
     CompositionUnderlines lines;
-    if (target.start > 0) lines.push_back(line(0, target.start, false));
-    if (target.end > target.start) lines.push_back(line(target.start, target.end, true));
-    if (target.end < length) lines.push_back(line(target.end, length, false));
+    if (target.targetStart > 0) lines.push_back(line(0, target.targetStart, false));
+    if (target.targetEnd > target.targetStart) lines.push_back(line(target.targetStart, target.targetEnd, true));
+    if (target.targetEnd < length) lines.push_back(line(target.targetEnd, length, false));
     return lines;
 }
 

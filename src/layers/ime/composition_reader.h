@@ -23,10 +23,10 @@ protected:
     ~ICompositionSource() = default;
 };
 
-/// The characters that the user is converting, from `start` to before `end`.
+/// The characters that the user is converting, from `targetStart` to before `targetEnd`.
 struct CompositionTarget {
-    uint32_t start = 0;
-    uint32_t end = 0;
+    uint32_t targetStart = 0;
+    uint32_t targetEnd = 0;
     friend bool operator==(const CompositionTarget&, const CompositionTarget&) = default;
 };
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/log.h"
 #include "core/process_state.h"
 #include "layers/ime/imm_context.h"
 #include "layers/window_messages.h"
@@ -63,30 +64,31 @@ void PageIme::post(UINT message, WPARAM wParam) const {
     if (IsWindow(window)) PostMessageW(window, message, wParam, 0);
 }
 
-bool PageIme::isImeDisabled() const { return isExternalTsfImeUsed() || imeCancelling; }
+bool PageIme::imeDisabled() const { return isExternalTsfImeUsed() || imeCancelling; }
 
-bool PageIme::isImeBlocked() {
+bool PageIme::isImeBlocked(const char* tag) {
     if (!isPasswordFieldFocused()) return false;
-    if (!imeFocusChanging && imeReopenCount < kMostForcedCloses) closeImeOfPasswordField();
+    if (!imeFocusChanging && imeReopenCount < kMostForcedCloses) closeImeOfPasswordField(tag);
     return true;
 }
 
-void PageIme::closeImeOfPasswordField() {
+void PageIme::closeImeOfPasswordField(const char* tag) {
     const ImmContext context(window);
     if (!context || !ImmGetOpenStatus(context.get())) return;
     ++imeReopenCount;
+    Core::logDebugA("input method closed in a password field: %s\n", tag);
     post(kMessageImeFocus, 0);
 }
 
 void PageIme::onImeSetContext() {
-    if (isImeDisabled() || isImeBlocked() || !imeHandler) return;
+    if (imeDisabled() || isImeBlocked("imeSetContext") || !imeHandler) return;
     imeHandler->setInputLanguage();
     imeHandler->createImeCaret();
     imeHandler->moveImeWindow();
 }
 
 void PageIme::onImeStartComposition() {
-    if (isImeDisabled() || isImeBlocked() || !imeHandler) return;
+    if (imeDisabled() || isImeBlocked("imeStartComposition") || !imeHandler) return;
     imeHandler->setInputLanguage();
     imeHandler->createImeCaret();
     imeHandler->moveImeWindow();
@@ -94,14 +96,14 @@ void PageIme::onImeStartComposition() {
 }
 
 void PageIme::onImeEndComposition(const Browser& browser) {
-    if (isImeDisabled() || !browser || !imeHandler) return;
+    if (imeDisabled() || !browser || !imeHandler) return;
     browser->GetHost()->ImeCancelComposition();
     imeHandler->resetComposition();
     imeHandler->destroyImeCaret();
 }
 
 void PageIme::onImeComposition(const Browser& browser, LPARAM flags) {
-    if (isImeDisabled() || !browser || !imeHandler) return;
+    if (imeDisabled() || !browser || !imeHandler) return;
     const CefRefPtr<CefBrowserHost> host = browser->GetHost();
     std::wstring text;
     if (imeHandler->getResult(flags, text)) {

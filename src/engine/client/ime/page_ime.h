@@ -61,9 +61,10 @@ public:
     void close();
 
 private:
-    bool isImeDisabled() const;
-    bool isImeBlocked();
-    void closeImeOfPasswordField();
+    bool imeDisabled() const;
+    /// `tag` names the message for the log.
+    bool isImeBlocked(const char* tag);
+    void closeImeOfPasswordField(const char* tag);
     bool isClosed();
     std::vector<CefRect> copyBounds(CefRange* range = nullptr);
     void post(UINT message, WPARAM wParam) const;
