@@ -38,6 +38,8 @@ bool mayTakePage(UI::RenderingMode presented) {
 
 bool takesPage(UI::RenderingMode presented, HWND window) { return mayTakePage(presented) && isGameWindow(window); }
 
+bool isGameMinimised() { return IsIconic(gameWindow.load()); }
+
 void leaveGameWindow() {
     gameWindow = nullptr;
     releaseGlPainter();

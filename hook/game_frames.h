@@ -18,6 +18,9 @@ bool takesPage(UI::RenderingMode presented, HWND window);
 /// The same for APIs that ask for their window first: false saves the asking.
 bool mayTakePage(UI::RenderingMode presented);
 
+/// Any thread.
+bool isGameMinimised();
+
 /// The game's window goes: no frame takes a page until another window presents one.
 void leaveGameWindow();
 

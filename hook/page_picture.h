@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <atomic>
 #include <cstdint>
 #include <mutex>
@@ -12,7 +14,7 @@ namespace ZEMO::GraphicsHook {
 /// write it, a painter reads it before each present of the game.
 ///
 /// Threads: any. The lock is held while pixels are copied in and while they are uploaded, so either side waits a copy
-/// at most. Hiding takes no lock: it comes on threads that the game's render thread may be waiting for.
+/// at most. Hiding and expecting take no lock: they come on threads that the game's render thread may be waiting for.
 class PagePicture {
 public:
     /// What a painter sees, while it sees it.
@@ -28,6 +30,8 @@ public:
                    int height);
     /// Nothing of the page is drawn any more; the next frame shows it again.
     void hide() { shown.store(false, std::memory_order_release); }
+    /// The game's window is minimised: for a while frames may come in which the page is missing.
+    void expectBlankFrames();
     void setCloseButton(bool draw) { closeButton.store(draw, std::memory_order_relaxed); }
 
     bool isPopupEmpty();
@@ -48,13 +52,15 @@ public:
     }
 
 private:
+    bool isOfMinimisedWindow(const void* buffer, int width, int height);
     bool isPopupPlaceEmpty() const {
         return popupPlace.left >= popupPlace.right || popupPlace.top >= popupPlace.bottom;
     }
 
     std::atomic<bool> shown{false};
     std::atomic<bool> closeButton{false};
-    std::mutex mutex;  ///< guards what follows
+    std::atomic<uint64_t> blankUntil{0};  ///< by GetTickCount64
+    std::mutex mutex;                     ///< guards what follows
     Plane page;
     bool hasMissedFrame = false;  ///< the page's last frame was not taken
     Plane popup;

@@ -31,7 +31,9 @@ public:
     }
     IRenderHookPopup* getPopupRenderer() override { return &popup; }
     // The window's size is looked at before each present anyway, since a game resizes its frame when it likes.
-    void setNeedResize(bool) override {}
+    void setNeedResize(bool) override {
+        if (isGameMinimised()) pagePicture().expectBlankFrames();
+    }
     void setSleepTime(uint32_t milliseconds) override { setPauseAfterFrame(milliseconds); }
     void onGameWindowDestroyed(UINT, WPARAM, LPARAM) override {
         pagePicture().hide();

@@ -10,7 +10,10 @@ void Plane::take(const UI::Hook::RectList* rects, const void* buffer, int newWid
     pixels.resize(static_cast<size_t>(width) * height);
     ++frame;
     const auto* source = static_cast<const uint32_t*>(buffer);
-    if (isWhole) return copy(source, whole());
+    if (isWhole) {
+        changed = {};  // it may be of a larger size
+        return copy(source, whole());
+    }
     for (const UI::Hook::DirtyRect& r : *rects) copy(source, {r.x, r.y, r.x + r.width, r.y + r.height});
 }
 

@@ -14,6 +14,7 @@
 #include "render/osr_renderer.h"
 #include "support/d3d11_calls.h"
 #include "support/http_server.h"
+#include "support/process_usage.h"
 
 // Real pages on the factory's Direct3D renderer, which no game gets by itself: the client of these tests chooses it.
 // What the view's own render thread presents is compared with what the engine painted.
@@ -264,16 +265,12 @@ TEST(Direct3DPageTest, FiveHundredWindowChangesWhileThePageMoves_PictureIsBackAn
         });
         return back && page.calls.waitForPresents(3);
     };
-    const auto handles = [] {
-        DWORD count = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &count);
-        return count;
-    };
+    const auto handles = [] { return processUsage().handles; };
     ASSERT_TRUE(settled());
     for (int step = 0; step < 20; ++step) page.resize(300 + step, 190);
     ASSERT_TRUE(settled());
     const unsigned long objects = page.calls.deviceReferences();
-    const DWORD handlesBefore = handles();
+    const size_t handlesBefore = handles();
     for (int step = 0; step < 500; ++step) {
         if (step % 100 == 50) {
             ShowWindow(game.window, SW_MINIMIZE);

@@ -8,6 +8,7 @@
 #include "render/pixel_scale.h"
 #include "render/rendering_mode.h"
 #include "support/http_server.h"
+#include "support/process_usage.h"
 
 // A view that the library draws itself, with real pages: each picture that goes to the window is read back and compared
 // with the engine's own frame. An opaque pixel and a clear one are equal; one that is blended with the background is
@@ -230,7 +231,7 @@ TEST(LocalRenderer, FiveHundredResizesOfAnAnimatedPage_NoTextureAndNoHandleMore)
     ASSERT_TRUE(view.waitForPicture("the page", animated));
     struct Held {
         int textures = 0;
-        DWORD gdi = 0, user = 0, handles = 0;
+        ProcessUsage process;
     };
     const auto count = [&] {
         Held held;
@@ -242,9 +243,7 @@ TEST(LocalRenderer, FiveHundredResizesOfAnAnimatedPage_NoTextureAndNoHandleMore)
         });
         EXPECT_TRUE(game.waitFor("a picture", [&] { return counted.load(); }));
         runOnEngine(game, [&] { view.pictures.setOnShow(nullptr); });
-        held.gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-        held.user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-        GetProcessHandleCount(GetCurrentProcess(), &held.handles);
+        held.process = processUsage();
         return held;
     };
     const auto resize = [&](int i) {
@@ -267,9 +266,9 @@ TEST(LocalRenderer, FiveHundredResizesOfAnAnimatedPage_NoTextureAndNoHandleMore)
     EXPECT_GT(view.pictures.count(game.window), shown + 50) << "the page went on";
     EXPECT_EQ(before.textures, 2);
     EXPECT_EQ(after.textures, before.textures);
-    EXPECT_LE(after.gdi, before.gdi + 5);
-    EXPECT_LE(after.user, before.user + 5);
-    EXPECT_LE(after.handles, before.handles + 20);
+    EXPECT_LE(after.process.gdi, before.process.gdi + 5);
+    EXPECT_EQ(after.process.windows, before.process.windows);
+    EXPECT_LE(after.process.handles, before.process.handles + 20);
 }
 
 }  // namespace ZEMO::Test

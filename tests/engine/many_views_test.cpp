@@ -1,68 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
-#include <tlhelp32.h>
-#include <winternl.h>
-
 #include "engine/game_host.h"
+#include "support/process_usage.h"
 
 namespace ZEMO::Test {
 namespace {
 
-/// What a process holds, counted one by one: Wine answers 0 to the questions for its handle count and private memory.
-struct Usage {
+struct Usage : ProcessUsage {
     size_t children = 0;
-    size_t threads = 0;
-    size_t handles = 0;   ///< of every kind but the next two
-    size_t keys = 0;      ///< registry keys
-    size_t sections = 0;  ///< shared memory
-    size_t bytes = 0;     ///< private memory
 };
 
-std::wstring typeOf(HANDLE handle) {
-    alignas(UNICODE_STRING) BYTE answer[1024] = {};
-    if (NtQueryObject(handle, ObjectTypeInformation, answer, sizeof answer, nullptr)) return {};
-    const auto& name = reinterpret_cast<const UNICODE_STRING&>(answer);
-    return {name.Buffer, name.Length / sizeof(wchar_t)};
-}
-
-void countHandles(Usage& now) {
-    for (uintptr_t value = 4; value < 0x10000; value += 4) {
-        const auto handle = reinterpret_cast<HANDLE>(value);
-        DWORD flags = 0;
-        if (!GetHandleInformation(handle, &flags)) continue;
-        const std::wstring type = typeOf(handle);
-        ++(type == L"Key" ? now.keys : type == L"Section" ? now.sections : now.handles);
-    }
-}
-
-void countThreads(Usage& now) {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
-        now.threads += entry.th32OwnerProcessID == GetCurrentProcessId();
-    }
-    CloseHandle(snapshot);
-}
-
-void sumMemory(Usage& now) {
-    MEMORY_BASIC_INFORMATION region{};
-    for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;) {
-        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) now.bytes += region.RegionSize;
-        at = static_cast<const char*>(region.BaseAddress) + region.RegionSize;
-    }
-}
-
-Usage usage() {
-    Usage now;
-    now.children = childProcesses().size();
-    countHandles(now);
-    countThreads(now);
-    sumMemory(now);
-    return now;
-}
+Usage usage() { return {processUsage(), childProcesses().size()}; }
 
 constexpr size_t kViews = 100;  // in each half
 

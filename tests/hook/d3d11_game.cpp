@@ -1,5 +1,7 @@
 #include "hook/d3d11_game.h"
 
+#include "patch.h"
+
 namespace ZEMO::Test {
 namespace {
 
@@ -51,10 +53,10 @@ D3D11Game::D3D11Game(HWND gameWindow) : window(gameWindow) {
                                         nullptr, context.put())))
             break;
     }
-    if (device) remakeChain();
+    if (device) remake();
 }
 
-void D3D11Game::remakeChain() {
+void D3D11Game::remake() {
     chain = {};
     context->ClearState();
     context->Flush();
@@ -84,7 +86,20 @@ void D3D11Game::present() {
     swap();
 }
 
-ULONG D3D11Game::end() {
+bool D3D11Game::followWindow() {
+    RECT client{};
+    GetClientRect(window, &client);
+    if (client.right < 1 || client.bottom < 1) return true;  // minimised: nothing to present
+    return resize(static_cast<UINT>(client.right), static_cast<UINT>(client.bottom)) == S_OK;
+}
+
+size_t D3D11Game::liveObjects() const {
+    context->Flush();
+    device->AddRef();
+    return device->Release();
+}
+
+size_t D3D11Game::end() {
     context->ClearState();
     context->Flush();
     chain = {};
@@ -95,14 +110,10 @@ ULONG D3D11Game::end() {
     return last->Release();
 }
 
-void D3D11Game::watchFrames() {
+void D3D11Game::watchFrames(HMODULE) {
     if (systemPresent) return;
-    void** const place = &(*reinterpret_cast<void***>(chain.get()))[kPresent];
-    systemPresent = reinterpret_cast<PresentFunction*>(*place);
-    DWORD before = 0;
-    VirtualProtect(place, sizeof *place, PAGE_READWRITE, &before);
-    *place = reinterpret_cast<void*>(&readAndPresent);
-    VirtualProtect(place, sizeof *place, before, &before);
+    systemPresent = reinterpret_cast<PresentFunction*>(
+        GraphicsHook::patchTable(chain.get(), kPresent, reinterpret_cast<void*>(&readAndPresent)));
 }
 
 Presented& D3D11Game::presented() { return frame; }

@@ -12,6 +12,8 @@ namespace ZEMO::Test {
 /// A game that draws one colour with Direct3D 11, on the thread of its window.
 class D3D11Game {
 public:
+    static constexpr char kName[] = "Direct3D11";
+
     explicit D3D11Game(HWND gameWindow);
 
     /// Draws and presents.
@@ -19,11 +21,16 @@ public:
     /// Presents what is there.
     HRESULT swap() { return chain->Present(0, 0); }
     HRESULT resize(UINT width, UINT height) { return chain->ResizeBuffers(0, width, height, DXGI_FORMAT_UNKNOWN, 0); }
-    void remakeChain();
+    /// The frame gets the window's size. False when something of ours or the hook's still holds it.
+    bool followWindow();
+    /// As after a change of settings: another swap chain for the same window.
+    void remake();
     /// Gives all up; answers how many references to the device are left.
-    ULONG end();
-    /// Each frame is read as it goes to the screen: the system's Present is watched, before a hook knows its place.
-    void watchFrames();
+    size_t end();
+    /// References to the device: its own holders, and one of each object that lives on it.
+    size_t liveObjects() const;
+    /// Each frame is read as it goes to the screen: the system's Present is watched, before the module knows its place.
+    void watchFrames(HMODULE hookModule);
     static Presented& presented();
 
     bool isThere() const { return static_cast<bool>(chain); }

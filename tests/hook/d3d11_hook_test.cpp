@@ -1,45 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <vector>
 
-#include "hook/d3d11_game.h"
-#include "support/http_server.h"
+#include "hook/hooked_game.h"
 
 // The reference module in a Direct3D 11 game.
 namespace ZEMO::Test {
 namespace {
 
 using GraphicsHook::Com;
-
-class D3D11Hook : public testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(module) << "the reference module is not there";
-        ASSERT_TRUE(d3d->isThere());
-        d3d->watchFrames();
-    }
-    std::shared_ptr<ZEMO::UI::IZEMOWebView> show(const std::string& html, bool closeButton = false) {
-        server.serveHtml("/", html);
-        auto view = game.makeView(server.url("/"), events);
-        view->setCloseButtonEnabled(closeButton);
-        view->show();
-        return view;
-    }
-    bool playUntil(const char* what, const std::function<bool()>& done) {
-        return game.waitFor(what, [&] {
-            d3d->present();
-            return done();
-        });
-    }
-    bool cornerIs(uint32_t colour) const { return frame.at(5, 5) == colour; }
-
-    GameHost game{hookGame()};
-    HMODULE module = useHookModule(L"hook");
-    std::unique_ptr<D3D11Game> d3d = std::make_unique<D3D11Game>(game.window);
-    const Presented& frame = D3D11Game::presented();
-    HttpServer server;
-    NavigationRecorder events;
-};
 
 /// What a game may have bound, by pointer and value; references that the getters add are given back.
 std::vector<uint64_t> stateOf(ID3D11DeviceContext* context) {
@@ -179,29 +146,10 @@ private:
 
 }  // namespace
 
-TEST_F(D3D11Hook, Page_StandsInTheGamesFrame) {
-    auto view = show(quarteredPage());
-    ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));
-    ASSERT_TRUE(playUntil("all of it", [&] { return frame.at(300, 190) != kScene; }));
-    ASSERT_EQ(frame.width, 320);
-    for (int y = 0; y < 200; ++y) {
-        for (int x = 0; x < 320; ++x) {
-            const int allowed = x >= 160 && y >= 100 ? 2 : 0;  // where it is blended
-            ASSERT_LE(distance(frame.at(x, y), quarterAt(x, y, 320, 200)), allowed)
-                << x << ", " << y << ": " << std::hex << frame.at(x, y);
-        }
-    }
-    game.resizeClient(400, 260);
-    ASSERT_EQ(d3d->resize(400, 260), S_OK) << "a back buffer is still held";
-    EXPECT_TRUE(playUntil("the page at another size", [&] { return frame.at(201, 129) == 0xFF0080; }));
-    view->close();
-    view.reset();
-    EXPECT_TRUE(playUntil("the bare scene", [&] { return cornerIs(kScene); }));
-    EXPECT_EQ(d3d->end(), 0u) << "something holds the device";
-}
+using D3D11Hook = HookedGame<D3D11Game>;
 
 TEST_F(D3D11Hook, FrameSmallerThanTheWindow_PageIsStretchedWithIt) {
-    ASSERT_EQ(d3d->resize(160, 100), S_OK);
+    ASSERT_EQ(scene->resize(160, 100), S_OK);
     auto view = show(quarteredPage());
     ASSERT_TRUE(playUntil("the page", [&] { return frame.at(5, 5) == 0x112233 && frame.at(5, 95) == 0x00C040; }));
     EXPECT_EQ(frame.at(100, 20), 0xFF0080u);
@@ -211,25 +159,12 @@ TEST_F(D3D11Hook, FrameSmallerThanTheWindow_PageIsStretchedWithIt) {
 TEST_F(D3D11Hook, UnusualStateInTheGame_SameAfterTheHook) {
     auto view = show(solidPage("#112233"), true);
     ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));
-    const UnusualState unusual(d3d->getDevice(), d3d->getContext());
-    const std::vector<uint64_t> before = stateOf(d3d->getContext());
-    for (int i = 0; i < 3; ++i) ASSERT_EQ(d3d->swap(), S_OK);
-    EXPECT_EQ(stateOf(d3d->getContext()), before);
+    const UnusualState unusual(scene->getDevice(), scene->getContext());
+    const std::vector<uint64_t> before = stateOf(scene->getContext());
+    for (int i = 0; i < 3; ++i) ASSERT_EQ(scene->swap(), S_OK);
+    EXPECT_EQ(stateOf(scene->getContext()), before);
     EXPECT_TRUE(cornerIs(0x112233));
     EXPECT_GT(before.size(), 60u);
-}
-
-TEST_F(D3D11Hook, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {
-    auto view = show(solidPage("#112233"));
-    ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));
-    EXPECT_EQ(d3d->end(), 0u);
-    game.remakeWindow(360, 220);
-    d3d = std::make_unique<D3D11Game>(game.window);
-    d3d->present();
-    EXPECT_TRUE(cornerIs(kScene)) << "the old page is not drawn";
-    view->close();
-    view = show(solidPage("#332211"));
-    EXPECT_TRUE(playUntil("the new page", [&] { return cornerIs(0x332211); }));
 }
 
 }  // namespace ZEMO::Test

@@ -1,5 +1,7 @@
 #include "hook/gl_game.h"
 
+#include <utility>
+
 #include "core/wine/import_table.h"
 #include "support/import_replaced.h"
 
@@ -43,15 +45,29 @@ GlGame::GlGame(HWND gameWindow) : window(gameWindow), dc(GetDC(gameWindow)) {
     makeContext();
 }
 
-GlGame::~GlGame() {
+size_t GlGame::end() {
+    if (!context) return 0;
     wglMakeCurrent(nullptr, nullptr);
-    wglDeleteContext(context);
+    wglDeleteContext(std::exchange(context, nullptr));
     ReleaseDC(window, dc);
+    return 0;
+}
+
+size_t GlGame::liveObjects() const {
+    size_t textures = 0;
+    for (GLuint name = 1; name < 4096; ++name) textures += glIsTexture(name);
+    return textures;
 }
 
 void GlGame::makeContext() {
     context = wglCreateContext(dc);
     wglMakeCurrent(dc, context);
+}
+
+void GlGame::remake() {
+    wglMakeCurrent(nullptr, nullptr);
+    wglDeleteContext(context);
+    makeContext();
 }
 
 void GlGame::present() {

@@ -6,6 +6,7 @@
 
 #include "support/helper_process.h"
 #include "support/made_up_machine.h"
+#include "support/process_usage.h"
 #include "zemo/platform.h"
 
 namespace {
@@ -80,15 +81,15 @@ TEST(PlatformCpuModel, NameIsBrokenUtf16_RaisesRangeError) {
 
 TEST(PlatformCpuModel, ManyLookups_NoHandleIsLeft) {
     getCPUModel();
-    DWORD before = 0, after = 0;
-    ASSERT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &before));
+    const ProcessUsage before = processUsage();
     for (int i = 0; i < 50; ++i) {
         getCPUModel();
         ZEMO::Platform::Misc::getOsVersion();
         ZEMO::Platform::Misc::getProcessorID("no such program.exe");
     }
-    ASSERT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &after));
-    EXPECT_LT(after, before + 20);
+    const ProcessUsage after = processUsage();
+    EXPECT_LT(after.handles, before.handles + 20);
+    EXPECT_LT(after.keys, before.keys + 20);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "render/d3d11/device.h"
 #include "support/debug_log.h"
 #include "support/import_replaced.h"
+#include "support/process_usage.h"
 #include "window/d3d11_window.h"
 
 namespace ZEMO::Test {
@@ -343,12 +344,6 @@ private:
     std::thread thread;
 };
 
-DWORD handleCount() {
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
 /// Sizes, and every fiftieth time down to the bar and back.
 void changeWindow(D3D11Window& window, int step) {
     const HWND handle = window.game.handle();
@@ -367,8 +362,7 @@ void changeWindow(D3D11Window& window, int step) {
 TEST(D3D11Objects, FiveHundredResizesWhileAPageAnimates_NoObjectAndNoHandleLeft) {
     D3D11Window window(320, 200, true);
     unsigned long objects = 0;
-    DWORD handles = 0;
-    DWORD gdi = 0;
+    ZEMO::Test::ProcessUsage before;
     const auto settle = [&] {  // the same state each time it is counted
         window.renderer->onPopupShow(nullptr, false);
         window.resize(320, 200);
@@ -388,13 +382,13 @@ TEST(D3D11Objects, FiveHundredResizesWhileAPageAnimates_NoObjectAndNoHandleLeft)
         settle();
         if (round == 0) {
             objects = window.calls.deviceReferences();
-            handles = handleCount();
-            gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+            before = ZEMO::Test::processUsage();
         }
     }
     EXPECT_EQ(window.calls.deviceReferences(), objects);
-    EXPECT_LE(handleCount(), handles + 5);
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdi + 5);
+    const ZEMO::Test::ProcessUsage after = ZEMO::Test::processUsage();
+    EXPECT_LE(after.handles, before.handles + 5);
+    EXPECT_LE(after.gdi, before.gdi + 5);
     EXPECT_EQ(window.calls.presented().bgra(10, 150), kPage.at(10, 150)) << "the picture is back within three presents";
 }
 

@@ -32,6 +32,17 @@ Picture onBackground(const Picture& page) {
     return shown;
 }
 
+/// Has the window show `popup` over `page`, and answers what that must look like.
+Picture withPopup(D3D11Window& window, Picture page, const Picture& popup, int left, int top) {
+    window.paint(page);
+    window.renderer->onPopupShow(nullptr, true);
+    window.renderer->onPopupSize(nullptr, CefRect(left, top, popup.width, popup.height));
+    window.paint(popup, PET_POPUP);
+    window.render();
+    put(page, popup, left, top);
+    return page;
+}
+
 /// The mean of four texels: what the sampler gives for a picture of twice the size.
 float halved(const CloseImage& icon, int x, int y, int channel) {
     float sum = 0;
@@ -137,15 +148,7 @@ TEST(D3D11Pictures, PageSmallerThanTheWindow_FillsIt) {
 TEST(D3D11Pictures, Popup_OverThePageAtItsPlaceUntilItIsHidden) {
     D3D11Window window(320, 200);
     const Picture page = noise(320, 200, 0xFF);
-    const Picture popup = noise(90, 60, 0xFF, 7);
-    window.paint(page);
-    window.renderer->onPopupShow(nullptr, true);
-    window.renderer->onPopupSize(nullptr, CefRect(40, 30, 90, 60));
-    window.paint(popup, PET_POPUP);
-    window.render();
-    Picture both = page;
-    put(both, popup, 40, 30);
-    EXPECT_EQ(window.differences(both), "");
+    EXPECT_EQ(window.differences(withPopup(window, page, noise(90, 60, 0xFF, 7), 40, 30)), "");
     window.renderer->onPopupShow(nullptr, false);
     window.render();
     EXPECT_EQ(window.differences(page), "");
@@ -154,15 +157,7 @@ TEST(D3D11Pictures, Popup_OverThePageAtItsPlaceUntilItIsHidden) {
 TEST(D3D11Pictures, HalfTransparentPopup_OverThePage) {
     D3D11Window window(320, 200);
     const Picture page = noise(320, 200, 0xFF);
-    const Picture popup = noise(64, 50, 0x80, 7);
-    window.paint(page);
-    window.renderer->onPopupShow(nullptr, true);
-    window.renderer->onPopupSize(nullptr, CefRect(80, 50, 64, 50));
-    window.paint(popup, PET_POPUP);
-    window.render();
-    Picture both = page;
-    put(both, popup, 80, 50);
-    EXPECT_EQ(window.differences(both, kRounding), "");
+    EXPECT_EQ(window.differences(withPopup(window, page, noise(64, 50, 0x80, 7), 80, 50), kRounding), "");
 }
 
 TEST(D3D11Pictures, PopupMoved_ShownAtTheNewPlace) {
