@@ -1,5 +1,7 @@
 #include "page_picture.h"
 
+#include <algorithm>
+
 namespace ZEMO::GraphicsHook {
 namespace {
 
