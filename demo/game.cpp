@@ -13,8 +13,9 @@ namespace demo {
 namespace {
 
 constexpr auto kFrameTime = std::chrono::microseconds(16667);
-/// Of what the exchange sells, in the order of its page's list. A page says what it wants, never what that costs.
-constexpr std::array kPrices{320, 180, 90, 240, 60};
+/// Of what the exchange sells, in the order of its page's list, and of the workshop's paint. A page says what it wants,
+/// never what that costs.
+constexpr std::array kPrices{320, 180, 90, 240, 60, 40};
 
 double secondsSince(Clock::time_point moment) { return std::chrono::duration<double>(Clock::now() - moment).count(); }
 
@@ -41,6 +42,16 @@ std::string formDecoded(std::string_view text) {
     return decoded;
 }
 
+/// A text as a script writes it.
+std::string quoted(const std::string& text) {
+    std::string script = "'";
+    for (const char c : text) {
+        if (c == '\'' || c == '\\') script += '\\';
+        if (static_cast<unsigned char>(c) >= ' ') script += c;
+    }
+    return script + "'";
+}
+
 /// The value of `name` in "buy?ware=Tea&amount=2".
 std::string parameter(const std::string& command, const std::string& name) {
     for (auto at = command.find('?'); at != std::string::npos; at = command.find('&', at + 1)) {
@@ -58,7 +69,8 @@ Game::Game(const Options& chosen)
       window(L"Outpost", chosen.size),
       surface(std::make_shared<PageSurface>()),
       events(std::make_shared<PageEventQueue>()),
-      pad(chosen.hasPadKeys || chosen.isSelfTest) {
+      pad(chosen.hasPadKeys || chosen.isSelfTest),
+      emblem(events) {
     window.onModalFrame = [this] { drawFrame(); };
     window.onKey = [this](unsigned key) {
         if (key == VK_F10)
@@ -195,6 +207,8 @@ void Game::handlePageEvent(const PageEvent& event, bool isTop) {
     if (event.kind == PageEvent::Kind::Answer && isTop) sell(*topPage(), event.text);
     if (event.kind == PageEvent::Kind::Failed) std::printf("page %d: load error %d\n", event.page, event.value);
     if (event.kind == PageEvent::Kind::Command && isTop) handleCommand(event.text);
+    if (event.kind == PageEvent::Kind::Chosen && topPage())
+        topPage()->run("window.onEmblem?.(" + quoted(event.text) + ")");
     // The callback doesn't say which view; it is the one in front that has the controller.
     if (event.kind == PageEvent::Kind::PadUse && topPage()) topPage()->notePadUse(event.value != 0);
     // The user closed the view's own window: what is left is an empty view.
@@ -212,6 +226,12 @@ void Game::handleCommand(const std::string& command) {
         openPage({PageSource::Kind::BuiltIn, "dialog"});
     } else if (name == "station") {
         openPage({PageSource::Kind::PadPage, "zemostore_popup"});
+    } else if (name == "workshop") {
+        openPage({PageSource::Kind::LocalPage, "workshop"});
+    } else if (name == "emblem") {
+        emblem.open(topPage()->number());
+    } else if (name == "register") {
+        notice = L"Ship: " + toWide(parameter(command, "name")) + L", " + toWide(parameter(command, "class"));
     } else if (name == "claim") {
         credits += 250;
         scene.celebrate(secondsSince(startedAt));

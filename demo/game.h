@@ -1,6 +1,7 @@
 #pragma once
 
 #include "figures.h"
+#include "file_choice.h"
 #include "game_pad.h"
 #include "game_window.h"
 #include "hud.h"
@@ -50,6 +51,7 @@ public:
     const PageImage& pageImage() const { return image; }
     const PageSurface::Update& pageUpdate() const { return update; }
     int playersCredits() const { return credits; }
+    FileChoice& emblemChoice() { return emblem; }
     CallbackFigures callbackFigures() const { return surface->figures(); }
 
     /// Hears each event after the game has dealt with it.
@@ -85,6 +87,7 @@ private:
     const std::shared_ptr<PageSurface> surface;
     const std::shared_ptr<PageEventQueue> events;
     GamePad pad;
+    FileChoice emblem;
     std::vector<std::unique_ptr<PagePanel>> pages;  // the last one is in front
     int nextPageNumber = 1;
     int credits = 1250;

@@ -14,13 +14,26 @@ namespace demo {
 
 /// Something that happened to a page, on its way to the game thread.
 struct PageEvent {
-    enum class Kind { Shown, Closed, Started, Completed, Failed, CloseRequested, Command, PadUse, Called, Answer };
-    static constexpr int kKinds = static_cast<int>(Kind::Answer) + 1;
+    enum class Kind {
+        Shown,
+        Closed,
+        Started,
+        Completed,
+        Failed,
+        CloseRequested,
+        Command,
+        PadUse,
+        Called,
+        Answer,
+        Chosen
+    };
+    static constexpr int kKinds = static_cast<int>(Kind::Chosen) + 1;
 
     Kind kind = Kind::Shown;
     int page = 0;      ///< the panel's number
     int value = 0;     ///< for Failed the error, for PadUse 1 or 0
-    std::string text;  ///< for Command: what stands behind "game://"; for Called the object's name, for Answer JSON
+    std::string text;  ///< for Command: what stands behind "game://"; for Called the object's name, for Answer JSON,
+                       ///< for Chosen the file's name or nothing
 };
 
 /// Delegates are called on the engine's thread and may not keep it waiting, so they only leave a note here; the game

@@ -28,6 +28,24 @@ constexpr Colour kBackground{237, 238, 246, 255};  // what the library puts unde
 constexpr char kStoreText[] =
     "credits.textContent + ' | ' + [...document.querySelectorAll('.take')].map((b) => b.textContent).join(' ')";
 
+/// A dialog of the system that this process shows.
+HWND systemDialog() {
+    HWND found = nullptr;
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            DWORD process = 0;
+            GetWindowThreadProcessId(window, &process);
+            wchar_t name[16] = {};
+            GetClassNameW(window, name, 16);
+            const bool isDialog =
+                process == GetCurrentProcessId() && IsWindowVisible(window) && wcscmp(name, L"#32770") == 0;
+            if (isDialog) *reinterpret_cast<HWND*>(parameter) = window;
+            return !isDialog;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
 PageSource plainPage(const Colour& c) {
     return {PageSource::Kind::Html,
             text("<!doctype html><body style='margin:0;background:rgb(%d,%d,%d)'>", c.red, c.green, c.blue)};
@@ -59,6 +77,7 @@ public:
         stage.step("close button closes its page", [this] { input.closeButton(); });
         if (stage.isCallback()) {
             stage.step("store page buys, credits change on both sides", [this] { buy(); });
+            stage.step("workshop page: local files, form, object, dialogs", [this] { workshop(); });
             stage.step("controller plays a page made for it", [this] { input.padPage(); });
             stage.step("resized window gets a whole frame of its size", [this] { resize(); });
             stage.step("second view covers the first and leaves it unharmed", [this] { secondView(); });
@@ -232,6 +251,51 @@ private:
         page.run("orders.push(0), store.postMessage(), orders.push(0), store.postMessage()");
         awaitStore(page, 40, "\"40 | Yours Yours Yours Yours Yours\"");
         stage.game.closeTopPage();
+    }
+    /// A page of files beside the library. Clicks by script, as above; the dialog is the system's, and is cancelled.
+    void workshop() {
+        const int completed = stage.count(PageEvent::Kind::Completed), calls = stage.count(PageEvent::Kind::Called);
+        PagePanel& page = game.openPage({PageSource::Kind::LocalPage, "workshop"});
+        stage.awaitMore(PageEvent::Kind::Completed, completed, "navigationCompleted of the workshop did not come");
+        stage.awaitMore(PageEvent::Kind::Called, calls, "the workshop's object was not bound");
+        const int before = game.playersCredits();
+        awaitAnswer(page, "getComputedStyle(document.querySelector('main')).borderRadius + ' ' + hull.naturalWidth",
+                    "\"18px 320\"");
+        page.run("paint.click()");
+        stage.await([&] { return game.playersCredits() == before - 40; },
+                    [&] { return text("the game has %d credits, not %d", game.playersCredits(), before - 40); });
+        awaitAnswer(page, "said.textContent", "\"It shines.\"");
+        page.run("document.forms[0].requestSubmit()");
+        stage.await([&] { return stage.command("register?") == "register?name=Comet&captain=&class=Courier"; },
+                    [&] { return "the form came as '" + stage.command("") + "'"; });
+        const int chosen = stage.count(PageEvent::Kind::Chosen);
+        page.run("choose.click()");
+        stage.await(
+            [&] {
+                game.emblemChoice().close();  // nothing before the dialog is there
+                return stage.count(PageEvent::Kind::Chosen) > chosen;
+            },
+            [] { return "the file dialog did not come and go"; });
+        awaitAnswer(page, "said.textContent", "\"No emblem, then.\"");
+        page.run("plan.click()");
+        HWND dialog = nullptr;
+        stage.await([&] { return (dialog = systemDialog()) != nullptr; },
+                    [] { return "no dialog to save the plan in"; });
+        stage.await(
+            [&] {
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+                return !IsWindow(dialog);
+            },
+            [] { return "the dialog to save the plan in stays"; });
+        game.closeTopPage();
+    }
+    void awaitAnswer(PagePanel& page, const std::string& script, const std::string& expected) {
+        stage.await(
+            [&] {
+                if (stage.answer() != expected) page.ask(script);
+                return stage.answer() == expected;
+            },
+            [&] { return "the page says " + stage.answer() + ", not " + expected; });
     }
     void awaitStore(PagePanel& page, int credits, const std::string& shown) {
         const auto hasBoth = [&] { return game.playersCredits() == credits && stage.answer() == shown; };
