@@ -25,9 +25,12 @@ std::filesystem::path copyOfLibraryFolder(const wchar_t* name) {
             std::filesystem::create_directories(to / relative);
         } else if (entry.path().extension() != L".exe" || relative.has_parent_path()) {
             std::filesystem::create_directories((to / relative).parent_path());
-            std::error_code error;
-            std::filesystem::create_hard_link(entry.path(), to / relative, error);
-            if (error) std::filesystem::copy_file(entry.path(), to / relative);
+            // Wine names a process by whichever link of its file was opened first, and tests tell processes by their
+            // names: programs are copied.
+            const bool isProgram = entry.path().extension() == L".exe";
+            std::error_code notLinked;
+            if (!isProgram) std::filesystem::create_hard_link(entry.path(), to / relative, notLinked);
+            if (isProgram || notLinked) std::filesystem::copy_file(entry.path(), to / relative);
         }
     }
     return to;

@@ -134,8 +134,11 @@ TYPED_TEST(HookModule, ListOpens_FrameIsTheEnginesPixelByPixelAndWithoutItAfterw
         difference = differenceToEngine(this->frame);
         return difference.empty();
     })) << difference;
-    PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
-    EXPECT_TRUE(this->playUntil("the page without it", [&] { return this->frame.at(130, 75) == 0x112233; }));
+    tries = 0;  // a press that was late may open it once more
+    EXPECT_TRUE(this->playUntil("the page without it", [&] {
+        if (tries++ % 100 == 0) PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
+        return this->frame.at(130, 75) == 0x112233;
+    }));
 }
 
 TYPED_TEST(HookModule, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {
