@@ -120,7 +120,7 @@ TYPED_TEST(HookModule, CloseButton_DrawnWhereThePressIsTaken) {
     }
 }
 
-TYPED_TEST(HookModule, ListOpens_FrameIsTheEnginesPixelByPixelAndWithoutItAfterwards) {
+TYPED_TEST(HookModule, ListOpensForeground_FrameIsTheEnginesPixelByPixelAndWithoutItAfterwards) {
     HandedFrames::watch(this->module);
     auto view = this->show(kList);
     ASSERT_TRUE(this->playUntil("the page", [&] { return this->cornerIs(0x112233); }));
@@ -135,10 +135,12 @@ TYPED_TEST(HookModule, ListOpens_FrameIsTheEnginesPixelByPixelAndWithoutItAfterw
         return difference.empty();
     })) << difference;
     tries = 0;  // a press that was late may open it once more
-    EXPECT_TRUE(this->playUntil("the page without it", [&] {
-        if (tries++ % 100 == 0) PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
-        return this->frame.at(130, 75) == 0x112233;
-    }));
+    EXPECT_TRUE(this->playUntil("the page without it",
+                                [&] {
+                                    if (tries++ % 100 == 0) PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
+                                    return this->frame.at(130, 75) == 0x112233;
+                                }))
+        << std::hex << this->frame.at(130, 75);
 }
 
 TYPED_TEST(HookModule, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {
