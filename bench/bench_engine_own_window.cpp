@@ -47,7 +47,7 @@ struct Measured {
 /// Time of one process. Found once by a part of its command line.
 class ProcessClock {
 public:
-    ProcessClock(HANDLE process, const std::string& program) : process(process), file(statOf(program)) {}
+    ProcessClock(HANDLE watched, const std::string& program) : process(watched), file(statOf(program)) {}
     double milliseconds() const {
         if (file.empty()) {
             FILETIME made{}, ended{}, kernel{}, user{};

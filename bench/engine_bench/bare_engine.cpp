@@ -20,7 +20,7 @@ namespace {
 
 class Work final : public CefTask {
 public:
-    explicit Work(std::function<void()> work) : work(std::move(work)) {}
+    explicit Work(std::function<void()> toRun) : work(std::move(toRun)) {}
     void Execute() override { work(); }
 
 private:

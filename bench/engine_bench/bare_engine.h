@@ -21,7 +21,8 @@ class BareClient final : public CefClient, public CefRenderHandler, public CefLi
 public:
     /// pixels, width, height; on the engine thread.
     using Paint = std::function<void(const void*, int, int)>;
-    BareClient(int width, int height, Paint paint) : width(width), height(height), paint(std::move(paint)) {}
+    BareClient(int viewWidth, int viewHeight, Paint take)
+        : width(viewWidth), height(viewHeight), paint(std::move(take)) {}
 
     /// Makes the browser as a web layer does. Any thread.
     void open(HWND parent, const std::string& address);

@@ -16,7 +16,8 @@ namespace ZEMO::Bench {
 class FrameWatch {
 public:
     /// Only frames of this size count: the engine paints one of 1x1 before a page's first layout.
-    FrameWatch(int width, int height, uint32_t pagePixel) : width(width), height(height), pagePixel(pagePixel) {}
+    FrameWatch(int wantedWidth, int wantedHeight, uint32_t pixel)
+        : width(wantedWidth), height(wantedHeight), pagePixel(pixel) {}
 
     /// Any thread; in both hosts the engine's.
     void frame(const void* pixels, int frameWidth, int frameHeight);
