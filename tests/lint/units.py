@@ -44,12 +44,19 @@ def _dependencies(build):
     return found
 
 
+PRECOMPILED = ("-Winvalid-pch", "-Wno-array-bounds", "-Wno-stringop-overread")  # options that come with them
+
+
 def _plain(command):
-    """The compile command without the compiler cache in front."""
+    """The compile command without the compiler cache in front and without precompiled headers, which hide what a unit
+    forgets to include."""
     words = shlex.split(command)
     while words and re.search(r"ccache(\.exe)?$", words[0]):
         words = words[1:]
-    return words
+    while "-include" in words:
+        place = words.index("-include")
+        del words[place:place + 2]
+    return [word for word in words if word not in PRECOMPILED]
 
 
 class Unit:

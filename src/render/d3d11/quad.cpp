@@ -11,8 +11,8 @@ QuadEdges quadEdges(float x, float y, float width, float height) {
 QuadEdges closeButtonEdges(int clientWidth, int clientHeight, int size, float margin) {
     const auto width = static_cast<float>(clientWidth);
     const auto height = static_cast<float>(clientHeight);
-    const float far = static_cast<float>(size) + margin;
-    return {1 - 2 * far / width, 1 - 2 * margin / height, 1 - 2 * margin / width, 1 - 2 * far / height};
+    const float reach = static_cast<float>(size) + margin;
+    return {1 - 2 * reach / width, 1 - 2 * margin / height, 1 - 2 * margin / width, 1 - 2 * reach / height};
 }
 
 Quad makeQuad(const QuadEdges& edges, bool flip) {
