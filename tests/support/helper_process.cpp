@@ -33,7 +33,7 @@ HelperProcess::HelperProcess(const std::wstring& program, const std::vector<std:
     start.hStdOutput = childEnd;
     start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     std::wstring line = commandLine(program, arguments);
-    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
                                         nullptr, &start, &info_);
     CloseHandle(childEnd);
     if (!started) {
