@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <iostream>
 #include <mutex>
 
 #include "client/client_view.h"
@@ -133,11 +134,20 @@ void checkSamePicture(float scale) {
         GetClientRect(own, &client);
         game.resizeClient(client.right, client.bottom);
         int width = 0, height = 0;
-        return game.waitFor(what, [&] {
+        bool drawn = false, onScreen = false;
+        const bool same = game.waitFor(what, [&] {
             const std::vector<uint32_t> frame = game.frames.picture(&width, &height);
-            return width == client.right && height == client.bottom && samePicture(pictures.last(own), frame) &&
-                   samePicture(pictureOnScreen(own), frame);
+            drawn = samePicture(pictures.last(own), frame);
+            onScreen = samePicture(pictureOnScreen(own), frame);
+            return width == client.right && height == client.bottom && drawn && onScreen;
         });
+        if (!same) {
+            std::cerr << "the other road's frame is " << width << "x" << height << ", the window " << client.right
+                      << "x" << client.bottom << (drawn ? "; drawn" : "; not drawn")
+                      << (onScreen ? ", on screen" : ", not on screen") << "; pictures " << pictures.count(own)
+                      << std::endl;
+        }
+        return same;
     };
     EXPECT_TRUE(samePictures("the same picture"));
     SetWindowPos(own, nullptr, 0, 0, static_cast<int>(333 * scale), static_cast<int>(451 * scale),
