@@ -22,6 +22,7 @@
 
 #include "core/unique_handle.h"
 #include "engine/game_host.h"
+#include "engine_bench/counted_swaps.h"
 #include "engine_bench/measured.h"
 #include "engine_bench/pages.h"
 #include "support/http_server.h"
@@ -43,6 +44,7 @@ struct Measured {
     double firstPictureMs = 0;
     double processorMs = 0;  ///< a second
     double pictures = 0;     ///< a second
+    double paints = 0;       ///< a second, with those that bring the same picture once more
 };
 
 /// Time of one process. Found once by a part of its command line.
@@ -233,6 +235,7 @@ Measured measure(const Client& client) {
     Sleep(client.shown ? 2000 : 8000);  // nothing tells when the other has begun
     const ProcessClock clock(program.handle(), client.program);
     const double before = clock.milliseconds();
+    const double swaps = swapsOf(picture);
     const auto begin = Clock::now();
     COLORREF last = 0;
     int pictures = 0;
@@ -245,12 +248,14 @@ Measured measure(const Client& client) {
     const double seconds = milliseconds(Clock::now() - begin) / 1000;
     result.processorMs = (clock.milliseconds() - before) / seconds;
     result.pictures = pictures / seconds;
+    result.paints = (swapsOf(picture) - swaps) / seconds;
     return result;
 }
 
 /// The view's own process.
 int showView(const std::string& address) {
     Test::GameHost game({.clientWidth = 200, .clientHeight = 100, .presentCallback = false});
+    const Test::ImportReplaced swaps("SwapBuffers", &countedSwap);
     Test::NavigationRecorder events;
     auto view = game.makeView(address, events);
     view->setDisplayMode(1);
@@ -309,6 +314,7 @@ void reportRuns(const std::string& name, const std::vector<Measured>& runs, bool
     row("/processor_of_main_process", "ms/s", &Measured::processorMs);
     if (!shown) return;
     row("/pictures_on_screen", "1/s", &Measured::pictures);
+    row("/paints", "1/s", &Measured::paints);
     row("/first_picture", "ms", &Measured::firstPictureMs);
 }
 
