@@ -113,6 +113,7 @@ int run() {
         bare.push_back(game.frame(false, system));
         hookedBare.push_back(game.frame(false, hooked));
         ownPage.push_back(game.frame(true, system));
+        renderer->setFrameActive(true);
         renderer->onPaint(UI::Hook::PET_VIEW, &whole, game.page.data(), kWidth, kHeight);
         game.frame(false, hooked);  // takes the upload
         hookedPage.push_back(game.frame(false, hooked));

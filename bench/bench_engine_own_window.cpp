@@ -3,8 +3,9 @@
 // view uploads against what has truly changed. The two are started by turns, each in a process of its own.
 //
 // Pictures are told apart on the screen, by one pixel that is another in each frame of the page, so that both are
-// counted the same way. A process's time comes from the system that runs Wine where there is one: Wine answers for
-// another process with the caller's own time.
+// counted the same way. Where a software rasterizer draws, the sample client as it comes shows none
+// (engine_bench/peer_context.cpp): it runs as it comes, for its time alone, and with that mended. A process's time
+// comes from the system that runs Wine where there is one: Wine answers for another process with the caller's own time.
 #include <windows.h>
 
 #include <GL/gl.h>
@@ -21,6 +22,7 @@
 
 #include "core/unique_handle.h"
 #include "engine/game_host.h"
+#include "engine_bench/counted_swaps.h"
 #include "engine_bench/measured.h"
 #include "engine_bench/pages.h"
 #include "support/http_server.h"
@@ -42,6 +44,7 @@ struct Measured {
     double firstPictureMs = 0;
     double processorMs = 0;  ///< a second
     double pictures = 0;     ///< a second
+    double paints = 0;       ///< a second, with those that bring the same picture once more
 };
 
 /// Time of one process. Found once by a part of its command line.
@@ -121,65 +124,123 @@ HWND findPicture(DWORD process) {
     return search.found;
 }
 
-void makeLarge(HWND picture) {
-    const HWND outer = GetAncestor(picture, GA_ROOT);
-    RECT inner{}, frame{};
-    GetClientRect(picture, &inner);
-    if (inner.right == kWidth && inner.bottom == kHeight) return;
-    GetWindowRect(outer, &frame);
-    SetWindowPos(outer, HWND_TOPMOST, 10, 10, frame.right - frame.left + kWidth - inner.right,
-                 frame.bottom - frame.top + kHeight - inner.bottom, SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
+bool isLarge(HWND picture) {
+    RECT client{};
+    return GetClientRect(picture, &client) && client.right == kWidth && client.bottom == kHeight;
 }
 
-COLORREF middlePixel(HDC screen, HWND picture) {
-    POINT place{kWidth / 2, kHeight / 2};
-    ClientToScreen(picture, &place);
-    return GetPixel(screen, place.x, place.y);
-}
+/// Asks for the size, and again where the program had its own idea of it by then.
+class LargeWindow {
+public:
+    bool operator()(HWND picture) {
+        if (isLarge(picture)) return true;
+        if (Clock::now() < next) return false;
+        next = Clock::now() + 1s;
+        const HWND outer = GetAncestor(picture, GA_ROOT);
+        RECT inner{}, frame{};
+        GetClientRect(picture, &inner);
+        GetWindowRect(outer, &frame);
+        SetWindowPos(outer, HWND_TOPMOST, 10, 10, frame.right - frame.left + kWidth - inner.right,
+                     frame.bottom - frame.top + kHeight - inner.bottom, SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
+        return false;
+    }
+
+private:
+    Clock::time_point next{};
+};
+
+/// The pixel in the middle of a window, as the screen has it.
+class MiddlePixel {
+public:
+    COLORREF operator()(HWND picture) const {
+        POINT place{kWidth / 2, kHeight / 2};
+        ClientToScreen(picture, &place);
+        return GetPixel(screen.get(), place.x, place.y);
+    }
+
+private:
+    std::unique_ptr<std::remove_pointer_t<HDC>, decltype(&DeleteDC)> screen{
+        CreateDCW(L"DISPLAY", nullptr, nullptr, nullptr), &DeleteDC};
+};
 
 bool isPage(COLORREF colour) { return GetGValue(colour) == 40; }
 
-Measured measure(std::wstring command, const std::string& program) {
-    STARTUPINFOW start{sizeof start};
-    PROCESS_INFORMATION made{};
-    const auto started = Clock::now();
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &made)) {
-        throw std::runtime_error("cannot start " + program);
-    }
-    const Core::UniqueKernelHandle process(made.hProcess), thread(made.hThread);
-    struct Ender {
-        HANDLE process;
-        ~Ender() {
-            TerminateProcess(process, 0);
-            WaitForSingleObject(process, 10'000);
+/// A program that is measured. Ends with the object.
+class Program {
+public:
+    explicit Program(std::wstring command) {
+        STARTUPINFOW start{sizeof start};
+        PROCESS_INFORMATION made{};
+        if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &made)) {
+            throw std::runtime_error("a program does not start");
         }
-    } const ender{made.hProcess};
-    const HDC screen = CreateDCW(L"DISPLAY", nullptr, nullptr, nullptr);
-    const std::unique_ptr<std::remove_pointer_t<HDC>, decltype(&DeleteDC)> owner(screen, &DeleteDC);
+        process.reset(made.hProcess);
+        CloseHandle(made.hThread);
+        id = made.dwProcessId;
+    }
+    ~Program() {
+        TerminateProcess(process.get(), 0);
+        WaitForSingleObject(process.get(), 10'000);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    HANDLE handle() const { return process.get(); }
+    HWND picture() const { return findPicture(id); }
 
+    /// The system's own modules lie at one place in all processes, and LoadLibraryW has the form of a thread's
+    /// function.
+    void load(const std::wstring& module) const {
+        const size_t size = (module.size() + 1) * sizeof(wchar_t);
+        void* const name = VirtualAllocEx(handle(), nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        auto* const loader = Test::systemFunction<DWORD WINAPI(void*)>(L"kernel32.dll", "LoadLibraryW");
+        DWORD loaded = 0;
+        if (name && WriteProcessMemory(handle(), name, module.c_str(), size, nullptr)) {
+            const Core::UniqueKernelHandle thread(CreateRemoteThread(handle(), nullptr, 0, loader, name, 0, nullptr));
+            WaitForSingleObject(thread.get(), 20'000);
+            GetExitCodeThread(thread.get(), &loaded);
+        }
+        if (!loaded) throw std::runtime_error("the sample client does not take the module that keeps its context");
+    }
+
+private:
+    Core::UniqueKernelHandle process;
+    DWORD id = 0;
+};
+
+/// What is measured, and how.
+struct Client {
+    std::string program;  ///< a part of its command line
+    std::wstring command;
+    std::wstring module = {};  ///< loaded into it
+    bool shown = true;         ///< its pictures reach the screen
+};
+
+Measured measure(const Client& client) {
+    const auto started = Clock::now();
+    const Program program(client.command);
+    if (!client.module.empty()) program.load(client.module);
+    const MiddlePixel middle;
+    LargeWindow enlarge;
     Measured result;
     HWND picture = nullptr;
-    RECT client{};
     const auto ready = [&] {
-        if (!picture) picture = findPicture(made.dwProcessId);
+        if (!picture) picture = program.picture();
         if (!picture) return false;
-        makeLarge(picture);
-        GetClientRect(picture, &client);
-        if (client.right != kWidth || client.bottom != kHeight || !isPage(middlePixel(screen, picture))) return false;
-        result.firstPictureMs = milliseconds(Clock::now() - started);
-        return true;
+        return enlarge(picture) && (!client.shown || isPage(middle(picture)));
     };
     for (const auto end = started + 40s; !ready(); Sleep(5)) {
-        if (Clock::now() > end) throw std::runtime_error("no picture of " + program);
+        if (Clock::now() > end) throw std::runtime_error("no picture of " + client.program);
     }
-    Sleep(2000);
-    const ProcessClock clock(made.hProcess, program);
+    result.firstPictureMs = milliseconds(Clock::now() - started);
+    Sleep(client.shown ? 2000 : 8000);  // nothing tells when the other has begun
+    const ProcessClock clock(program.handle(), client.program);
     const double before = clock.milliseconds();
+    const double swaps = swapsOf(picture);
     const auto begin = Clock::now();
     COLORREF last = 0;
     int pictures = 0;
     while (Clock::now() - begin < kCounted) {
-        const COLORREF now = middlePixel(screen, picture);
+        const COLORREF now = middle(picture);
         if (isPage(now) && now != last) ++pictures;
         last = now;
         Sleep(6);
@@ -187,12 +248,14 @@ Measured measure(std::wstring command, const std::string& program) {
     const double seconds = milliseconds(Clock::now() - begin) / 1000;
     result.processorMs = (clock.milliseconds() - before) / seconds;
     result.pictures = pictures / seconds;
+    result.paints = (swapsOf(picture) - swaps) / seconds;
     return result;
 }
 
 /// The view's own process.
 int showView(const std::string& address) {
     Test::GameHost game({.clientWidth = 200, .clientHeight = 100, .presentCallback = false});
+    const Test::ImportReplaced swaps("SwapBuffers", &countedSwap);
     Test::NavigationRecorder events;
     auto view = game.makeView(address, events);
     view->setDisplayMode(1);
@@ -242,15 +305,25 @@ void reportUploads(const std::string& address) {
     view.reset();
 }
 
-void reportRuns(const char* name, const std::vector<Measured>& runs, const char* floor) {
+void reportRuns(const std::string& name, const std::vector<Measured>& runs, bool shown, const std::string& floor) {
     const auto row = [&](const char* what, const char* unit, double Measured::* figure) {
         std::vector<double> samples;
         for (const Measured& run : runs) samples.push_back(run.*figure);
-        report(std::string(name) + what, unit, samples, floor ? floor + std::string(what) : std::string());
+        report(name + what, unit, samples, floor.empty() ? floor : floor + what);
     };
     row("/processor_of_main_process", "ms/s", &Measured::processorMs);
+    if (!shown) return;
     row("/pictures_on_screen", "1/s", &Measured::pictures);
+    row("/paints", "1/s", &Measured::paints);
     row("/first_picture", "ms", &Measured::firstPictureMs);
+}
+
+std::wstring wide(const std::string& text) { return {text.begin(), text.end()}; }
+
+std::wstring ownFile() {
+    wchar_t self[MAX_PATH]{};
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    return self;
 }
 
 int run() {
@@ -259,26 +332,30 @@ int run() {
     server.serveHtml("/", changingPage());
     server.serveHtml("/block", blockPage());
     const std::string address = server.url("/");
-    wchar_t self[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const std::wstring wideAddress(address.begin(), address.end());
-    const std::string peer = ZEMO_BENCH_PEER;
-    const std::wstring peerCommand = L"\"" + std::wstring(peer.begin(), peer.end()) +
-                                     L"\" --off-screen-rendering-enabled --no-sandbox --hide-controls "
-                                     L"--off-screen-frame-rate=30 --url=" +
-                                     wideAddress;
-    std::vector<Measured> ours, theirs, inSoftware;
+    const std::wstring peer = L"\"" + wide(ZEMO_BENCH_PEER) +
+                              L"\" --off-screen-rendering-enabled --no-sandbox --hide-controls "
+                              L"--off-screen-frame-rate=30 --url=" +
+                              wide(address);
+    const std::wstring self = ownFile();
+    const std::wstring module = self.substr(0, self.find_last_of(L'\\') + 1) + L"test_helpers\\bench_peer_context.dll";
+    const Client own{"--own-window-run", L"\"" + self + L"\" --own-window-run"};
+    const Client asItComes{"cefclient.exe", peer, {}, false};
+    const Client shown{"cefclient.exe", peer, module};
+    // With the switch that the view's engine has too.
+    const Client inSoftware{"cefclient.exe", peer + L" --disable-gpu-compositing", module};
+    std::vector<Measured> ours, theirs, theirsShown, theirsInSoftware;
     for (int i = 0; i < kRuns; ++i) {
         SetEnvironmentVariableA(kAddressVariable, address.c_str());
-        ours.push_back(measure(L"\"" + std::wstring(self) + L"\" --own-window-run", "--own-window-run"));
+        ours.push_back(measure(own));
         SetEnvironmentVariableA(kAddressVariable, nullptr);
-        theirs.push_back(measure(peerCommand, "cefclient.exe"));
-        // With the switch that the view's engine has too.
-        inSoftware.push_back(measure(peerCommand + L" --disable-gpu-compositing", "cefclient.exe"));
+        theirs.push_back(measure(asItComes));
+        theirsShown.push_back(measure(shown));
+        theirsInSoftware.push_back(measure(inSoftware));
     }
-    reportRuns("sample_client", theirs, nullptr);
-    reportRuns("sample_client_without_gpu", inSoftware, nullptr);
-    reportRuns("own_window", ours, "sample_client");
+    reportRuns("sample_client_as_it_comes", theirs, false, {});
+    reportRuns("sample_client", theirsShown, true, {});
+    reportRuns("sample_client_without_gpu", theirsInSoftware, true, {});
+    reportRuns("own_window", ours, true, "sample_client");
     reportUploads(server.url("/block"));
     return 0;
 }

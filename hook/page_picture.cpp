@@ -39,6 +39,17 @@ bool PagePicture::isOfMinimisedWindow(const void* buffer, int width, int height)
 
 void PagePicture::expectBlankFrames() { blankUntil.store(GetTickCount64() + kLayoutMs, std::memory_order_relaxed); }
 
+void PagePicture::hide() {
+    uint64_t before = state.load(std::memory_order_relaxed);
+    while (!state.compare_exchange_weak(before, (before | kShown) + 1, std::memory_order_acq_rel)) continue;
+}
+
+// Not when the page was hidden since the frame began.
+void PagePicture::show() {
+    uint64_t expected = begun & ~kShown;
+    state.compare_exchange_strong(expected, expected | kShown, std::memory_order_acq_rel);
+}
+
 void PagePicture::takeFrame(UI::Hook::PaintElementType type, const UI::Hook::RectList* rects, const void* buffer,
                             int width, int height) {
     const std::lock_guard lock(mutex);
@@ -48,7 +59,7 @@ void PagePicture::takeFrame(UI::Hook::PaintElementType type, const UI::Hook::Rec
     if (hasMissedFrame) return;
     // Hidden meanwhile: what is here may be another view's, so no part of it stays.
     page.take(isShown() && !missed ? rects : nullptr, buffer, width, height);
-    if (!page.isEmpty()) shown.store(true, std::memory_order_release);
+    if (!page.isEmpty()) show();
 }
 
 bool PagePicture::isPopupEmpty() {

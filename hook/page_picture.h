@@ -26,10 +26,13 @@ public:
         bool hasCloseButton;
     };
 
+    /// A frame begins. Only the thread that takes frames.
+    void beginFrame() { begun = state.load(std::memory_order_acquire); }
     void takeFrame(UI::Hook::PaintElementType type, const UI::Hook::RectList* rects, const void* buffer, int width,
                    int height);
-    /// Nothing of the page is drawn any more; the next frame shows it again.
-    void hide() { shown.store(false, std::memory_order_release); }
+    /// Nothing of the page is drawn any more; the next frame that begins shows it again. One that has begun does not:
+    /// it is of the view that goes.
+    void hide();
     /// The game's window is minimised: for a while frames may come in which the page is missing.
     void expectBlankFrames();
     void setCloseButton(bool draw) { closeButton.store(draw, std::memory_order_relaxed); }
@@ -40,7 +43,7 @@ public:
     void setPopupPlace(const Rect16& place);
 
     /// One load: what a present of the game costs while no page is shown.
-    bool isShown() const { return shown.load(std::memory_order_acquire); }
+    bool isShown() const { return (state.load(std::memory_order_acquire) & kShown) != 0; }
     /// Calls draw(Content&) with the lock held, unless nothing is shown.
     template <class Draw>
     void visit(Draw&& draw) {
@@ -52,12 +55,16 @@ public:
     }
 
 private:
+    static constexpr uint64_t kShown = 1;
+
+    void show();
     bool isOfMinimisedWindow(const void* buffer, int width, int height);
     bool isPopupPlaceEmpty() const {
         return popupPlace.left >= popupPlace.right || popupPlace.top >= popupPlace.bottom;
     }
 
-    std::atomic<bool> shown{false};
+    std::atomic<uint64_t> state{0};  ///< kShown, and above it how often the page was hidden
+    uint64_t begun = 0;              ///< the state when the frame began
     std::atomic<bool> closeButton{false};
     std::atomic<uint64_t> blankUntil{0};  ///< by GetTickCount64
     std::mutex mutex;                     ///< guards what follows

@@ -21,10 +21,8 @@ public:
     void prepareFrame(bool drawCloseButton, Hook::PaintElementType, const Hook::RectList*) override {
         pagePicture().setCloseButton(drawCloseButton);
     }
-    // True needs nothing: the frame that follows shows the page. Until then there may be another view's picture here.
-    void setFrameActive(bool active) override {
-        if (!active) pagePicture().hide();
-    }
+    // True only announces: the frame that follows shows the page. Until then there may be another view's picture here.
+    void setFrameActive(bool active) override { active ? pagePicture().beginFrame() : pagePicture().hide(); }
     void onPaint(Hook::PaintElementType type, const Hook::RectList* dirtyRects, const void* buffer, int width,
                  int height) override {
         pagePicture().takeFrame(type, dirtyRects, buffer, width, height);

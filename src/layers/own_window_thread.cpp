@@ -39,7 +39,11 @@ constexpr wchar_t kOwnWindowClass[] = L"ZEMOExtraWindowClass";
 /// The link of the one own window of this thread. Its loop holds the reference.
 thread_local OwnWindowLink* threadLink = nullptr;
 
+// The second window of a process finds the class there. Nothing is loaded for it: a shared icon can't be freed.
 void registerOwnWindowClass(WNDPROC procedure) {
+    WNDCLASSEXW known{};
+    known.cbSize = sizeof known;
+    if (GetClassInfoExW(GetModuleHandleW(nullptr), kOwnWindowClass, &known)) return;
     const auto icon = static_cast<HICON>(LoadImageW(nullptr, L"resources/zemowindow.ico", IMAGE_ICON, 0, 0,
                                                     LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED));
     WNDCLASSEXW description{};
@@ -52,7 +56,7 @@ void registerOwnWindowClass(WNDPROC procedure) {
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.hbrBackground = reinterpret_cast<HBRUSH>(1);
     description.lpszClassName = kOwnWindowClass;
-    RegisterClassExW(&description);  // the second window of a process finds the class there
+    RegisterClassExW(&description);
 }
 
 void makeClassBackgroundBlack(HWND window) {

@@ -7,7 +7,9 @@
 #include "client/client_view.h"
 #include "client/engine_task.h"
 #include "support/http_server.h"
+#include "support/import_replaced.h"
 #include "support/own_window.h"
+#include "support/process_usage.h"
 #include "support/shown_pictures.h"
 
 namespace ZEMO::Test {
@@ -90,6 +92,81 @@ TEST(OwnWindow, ClosedFromItsOwnThreadWhileAPageAnimates_FiftyTimesWithoutAHang)
         ASSERT_TRUE(game.waitFor("the window's end", [&] { return !IsWindow(own); }, 10s)) << i;
         EXPECT_EQ(dropper->thread, windowThread) << i;
     }
+}
+
+/// What this program asks of OpenGL and the window system and has not given back.
+class GlObjects {
+public:
+    GlObjects() { contexts = textures = devices = 0; }
+    static inline std::atomic<int> contexts, textures, devices;
+
+private:
+    static HGLRC WINAPI createContext(HDC device) {
+        ++contexts;
+        return systemFunction<HGLRC WINAPI(HDC)>(L"opengl32.dll", "wglCreateContext")(device);
+    }
+    static void APIENTRY genTextures(GLsizei count, GLuint* names) {
+        textures += count;
+        systemFunction<void APIENTRY(GLsizei, GLuint*)>(L"opengl32.dll", "glGenTextures")(count, names);
+    }
+    static HDC WINAPI getDevice(HWND window) {
+        ++devices;
+        return systemFunction<HDC WINAPI(HWND)>(L"user32.dll", "GetDC")(window);
+    }
+    static int WINAPI releaseDevice(HWND window, HDC device) {
+        --devices;
+        return systemFunction<int WINAPI(HWND, HDC)>(L"user32.dll", "ReleaseDC")(window, device);
+    }
+
+    const ImportReplaced context{"wglCreateContext", &createContext}, texture{"glGenTextures", &genTextures},
+        device{"GetDC", &getDevice}, release{"ReleaseDC", &releaseDevice};
+};
+
+// A view's context, with its textures, and the device of its window are left to the system when the view goes. There is
+// one for each view, however often that is resized. Each view may leave a handle or two in the process.
+TEST(OwnWindow, TwentyViewsOpenedResizedAndClosed_OneContextForEachAndNoGdiObjectMore) {
+    HttpServer server;
+    server.serveHtml("/", "<!doctype html><body style='background:#203040'>");
+    GameHost game({.presentCallback = false});
+    ShownPictures pictures;
+    const GlObjects objects;
+    const auto showsPage = [&](HWND own) {
+        return game.waitFor("the page", [&] {
+            RECT client{};
+            GetClientRect(own, &client);
+            const ShownPicture shown = pictures.last(own);
+            return shown.width == client.right && shown.height == client.bottom &&
+                   shown.at(shown.width - 1, 0) == 0xFF203040;
+        });
+    };
+    const auto cycle = [&](int number) {
+        NavigationRecorder events;
+        auto view = game.makeView(server.url("/"), events);
+        view->setDisplayMode(1);
+        view->setSize(400, 300);
+        view->show();
+        const HWND own = findViewWindow();
+        ASSERT_TRUE(own) << number;
+        ASSERT_TRUE(showsPage(own)) << number;
+        for (const auto& [width, height] : {std::pair{250, 333}, {480, 150}, {300, 200}}) {
+            SetWindowPos(own, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+            ASSERT_TRUE(showsPage(own)) << number;
+        }
+        view.reset();
+        ASSERT_TRUE(game.waitFor("the window's end", [&] { return !IsWindow(own); })) << number;
+    };
+    constexpr int kFirst = 3, kAll = 23;
+    for (int i = 0; i < kFirst; ++i) ASSERT_NO_FATAL_FAILURE(cycle(i));  // what is made once
+    const ProcessUsage before = processUsage();
+    for (int i = kFirst; i < kAll; ++i) ASSERT_NO_FATAL_FAILURE(cycle(i));
+    const ProcessUsage after = processUsage();
+    EXPECT_EQ(GlObjects::contexts, kAll);
+    EXPECT_EQ(GlObjects::textures, kAll * 2) << "page and background";
+    EXPECT_EQ(GlObjects::devices, kAll);
+    EXPECT_LE(after.gdi, before.gdi + 10);
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_LE(after.handles, before.handles + 3 * (kAll - kFirst));
+    EXPECT_LE(after.threads, before.threads + 10);
 }
 
 /// A page of plain parts, opaque, half transparent and clear.

@@ -1,5 +1,6 @@
 #include "hook/handed_frames.h"
 
+#include <atomic>
 #include <mutex>
 
 #include "patch.h"
@@ -22,6 +23,15 @@ std::mutex mutex;
 HandedFrames::Picture pictures[2];
 Rect16 place;
 
+enum class Hold { None, Wanted, Held, LetGo, Over };
+std::atomic<Hold> hold{Hold::None};
+
+bool change(Hold from, Hold to) {
+    const bool changed = hold.compare_exchange_strong(from, to);
+    if (changed) hold.notify_all();
+    return changed;
+}
+
 void onPaint(IRenderHookRenderer* renderer, Hook::PaintElementType type, const Hook::RectList* rects,
              const void* buffer, int width, int height) {
     {
@@ -29,7 +39,9 @@ void onPaint(IRenderHookRenderer* renderer, Hook::PaintElementType type, const H
         const auto* pixels = static_cast<const uint32_t*>(buffer);
         pictures[type] = {{pixels, pixels + static_cast<size_t>(width) * height}, width, height};
     }
+    if (type == Hook::PET_VIEW && change(Hold::Wanted, Hold::Held)) hold.wait(Hold::Held);
     moduleOnPaint(renderer, type, rects, buffer, width, height);
+    change(Hold::LetGo, Hold::Over);
 }
 
 void setRect(IRenderHookPopup* popup, const Rect16* ltrb) {
@@ -64,5 +76,14 @@ Rect16 HandedFrames::popupPlace() {
     const std::lock_guard lock(mutex);
     return place;
 }
+
+HeldFrame::HeldFrame() { hold = Hold::Wanted; }
+HeldFrame::~HeldFrame() {
+    letGo();
+    change(Hold::Wanted, Hold::None);
+}
+bool HeldFrame::isHeld() const { return hold == Hold::Held; }
+void HeldFrame::letGo() { change(Hold::Held, Hold::LetGo); }
+bool HeldFrame::isOver() const { return hold == Hold::Over; }
 
 }  // namespace ZEMO::Test

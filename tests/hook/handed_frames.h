@@ -23,4 +23,18 @@ public:
     static Rect16 popupPlace();
 };
 
+/// Keeps the engine's thread in the next frame of a page, before the module has it, until it is let go. HandedFrames
+/// must be watching.
+class HeldFrame {
+public:
+    HeldFrame();
+    ~HeldFrame();
+    HeldFrame(const HeldFrame&) = delete;
+    HeldFrame& operator=(const HeldFrame&) = delete;
+    bool isHeld() const;
+    void letGo();
+    /// The module has had it.
+    bool isOver() const;
+};
+
 }  // namespace ZEMO::Test

@@ -150,7 +150,7 @@ TYPED_TEST(HookModule, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {
     this->game.remakeWindow(360, 220);
     this->scene = std::make_unique<TypeParam>(this->game.window);
     this->scene->present();
-    view->close();  // until then a frame that was on its way may show the old page
+    view->close();
     EXPECT_TRUE(this->playUntil("the bare scene", [&] { return this->cornerIs(kScene); }));
     view = this->show(solidPage("#332211"));
     EXPECT_TRUE(this->playUntil("the new page", [&] { return this->cornerIs(0x332211); }));

@@ -89,6 +89,20 @@ TEST_F(PageFrames, PartOfAFrameAfterBlankOnes_WholeFrameIsTaken) {
     EXPECT_EQ(cornerNow(), 0xFF332211);
 }
 
+TEST_F(PageFrames, HiddenSinceTheFrameBegan_ShownByTheNextOneWhole) {
+    take(100, 80, kColour);
+    picture.beginFrame();
+    picture.hide();
+    take(100, 80, 0xFF332211);
+    EXPECT_FALSE(picture.isShown());
+    picture.beginFrame();
+    const UI::Hook::RectList first{{0, 0, 1, 1}};
+    const Pixels pixels(100 * 80, 0xFF445566);
+    picture.takeFrame(UI::Hook::PET_VIEW, &first, pixels.data(), 100, 80);
+    EXPECT_TRUE(picture.isShown());
+    EXPECT_EQ(cornerNow(), 0xFF445566) << "what the other view left is gone";
+}
+
 TEST_F(PageFrames, PageTurnsTransparent_TakenAtOnceUnlessMinimisedJustBefore) {
     take(100, 80, kColour);
     take(100, 80, 0);

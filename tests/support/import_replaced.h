@@ -40,16 +40,26 @@ private:
         auto* const base = reinterpret_cast<unsigned char*>(GetModuleHandleW(nullptr));
         const auto* headers =
             reinterpret_cast<IMAGE_NT_HEADERS*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
-        const IMAGE_DATA_DIRECTORY& table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+        const auto* tables = headers->OptionalHeader.DataDirectory;
         std::vector<void**> found;
-        for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress); library->Name;
-             ++library) {
-            const auto* wanted = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-            auto* place = reinterpret_cast<void**>(base + library->FirstThunk);
+        const auto search = [&](DWORD names, DWORD addresses) {
+            const auto* wanted = reinterpret_cast<IMAGE_THUNK_DATA*>(base + names);
+            auto* place = reinterpret_cast<void**>(base + addresses);
             for (; wanted->u1.AddressOfData; ++wanted, ++place) {
                 if (IMAGE_SNAP_BY_ORDINAL(wanted->u1.Ordinal)) continue;
                 const auto* entry = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + wanted->u1.AddressOfData);
                 if (std::strcmp(reinterpret_cast<const char*>(entry->Name), name) == 0) found.push_back(place);
+            }
+        };
+        for (auto* library =
+                 reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + tables[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
+             library->Name; ++library) {
+            search(library->OriginalFirstThunk, library->FirstThunk);
+        }
+        if (const DWORD delayed = tables[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT].VirtualAddress) {
+            for (auto* library = reinterpret_cast<IMAGE_DELAYLOAD_DESCRIPTOR*>(base + delayed); library->DllNameRVA;
+                 ++library) {
+                search(library->ImportNameTableRVA, library->ImportAddressTableRVA);
             }
         }
         return found;

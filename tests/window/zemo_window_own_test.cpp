@@ -266,6 +266,17 @@ TEST_F(ZemoWindowOwnClass, IconFile_IsTheLargeAndTheSmallIcon) {
     DeleteObject(info.hbmMask);
 }
 
+TEST_F(ZemoWindowOwnClass, SecondWindow_HasTheFirstOnesIconAndLoadsNone) {
+    directory.write(L"window.ico", makeCursorFile(1, {{32, 32, [](int, int) { return 0xFFFF8040u; }}}));
+    make();
+    const ULONG_PTR icon = GetClassLongPtrW(window, GCLP_HICON);
+    EXPECT_NE(icon, 0u);
+    iconCall.reset();
+    make();
+    EXPECT_FALSE(iconCall) << "a shared icon can't be freed";
+    EXPECT_EQ(GetClassLongPtrW(window, GCLP_HICON), icon);
+}
+
 TEST_F(ZemoWindowOwnClass, NoIconFile_WindowWithoutAnIcon) {
     make();
     ASSERT_TRUE(IsWindow(window));
