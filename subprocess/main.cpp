@@ -9,6 +9,7 @@
 
 #include "cef/engine_library.h"
 #include "child_app.h"
+#include "core/wine/wine.h"
 #include "include/cef_app.h"
 #include "parent_watch.h"
 
@@ -42,6 +43,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
     if (directory.empty() || !cefLoadLibrary(directory.c_str(), &reason)) {
         OutputDebugStringA(("cef.subprocess: " + reason + "\n").c_str());
         return kNoEngineExitCode;
+    }
+    if (!ZEMO::Core::Wine::guardChildsEngine(static_cast<HMODULE>(cefLibraryModule()))) {
+        OutputDebugStringA("cef.subprocess: the engine's long messages could not be diverted\n");
     }
     const int exitCode = CefExecuteProcess(CefMainArgs(instance), ZEMO::UI::createChildApp(), nullptr);
     // Not by returning: the modules would hear of the end when the other threads are gone, some with a lock held, and a

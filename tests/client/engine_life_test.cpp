@@ -84,15 +84,17 @@ TEST(EngineLife, CleanUpThrowsNoException_LoggedAsUnknownAndTheStartGoesOn) {
     EXPECT_TRUE(pageIsShown(game));
 }
 
-TEST(EngineLife, UnderWine_TheEnginesHandleMovesComeToTheLibrary) {
+TEST(EngineLife, UnderWine_TheEnginesHandleMovesAndWritesComeToTheLibrary) {
     if (!GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) GTEST_SKIP() << "this is a Windows";
     GameHost game;
-    void** const place = Core::Wine::findImport(GetModuleHandleW(L"libcef.dll"), "DuplicateHandle");
-    ASSERT_NE(place, nullptr);
-    HMODULE owner = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<const wchar_t*>(*place), &owner);
-    EXPECT_EQ(owner, GetModuleHandleW(nullptr)) << "the library's inside is part of this program";
+    for (const char* name : {"DuplicateHandle", "WriteFile"}) {
+        void** const place = Core::Wine::findImport(GetModuleHandleW(L"libcef.dll"), name);
+        ASSERT_NE(place, nullptr);
+        HMODULE owner = nullptr;
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<const wchar_t*>(*place), &owner);
+        EXPECT_EQ(owner, GetModuleHandleW(nullptr)) << name << ": the library's inside is part of this program";
+    }
 }
 
 }  // namespace ZEMO::Test

@@ -23,7 +23,7 @@ ScriptAnswer ScriptPage::evaluate(const std::string& script) {
     const Arrivals<ScriptAnswer> mine;
     view->evaluateJavascript(
         script, [mine](std::string result, std::string error) { mine.add({std::move(result), std::move(error)}); });
-    if (!game.waitFor("the answer", [&] { return mine.count() > 0; }, 10s)) return {"no answer", "no answer"};
+    if (!game.waitFor("the answer", [&] { return mine.count() > 0; })) return {"no answer", "no answer"};
     return mine.all().front();
 }
 
@@ -38,10 +38,14 @@ std::string ScriptPage::bind(const std::string& name, const std::string& message
     return view->bindObject(name, message);
 }
 
+std::vector<DWORD> pageProcesses() {
+    std::vector<DWORD> pages = childProcesses();
+    std::erase_if(pages, [](DWORD child) { return childType(child) != "renderer"; });
+    return pages;
+}
+
 void killPageProcesses() {
-    for (const DWORD child : childProcesses()) {
-        if (childType(child) == "renderer") killProcess(child);
-    }
+    for (const DWORD page : pageProcesses()) killProcess(page);
 }
 
 }  // namespace ZEMO::Test

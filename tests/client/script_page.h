@@ -80,7 +80,9 @@ protected:
     std::shared_ptr<ZEMO::UI::IZEMOWebView> view;
 };
 
-/// Ends the process of every page.
+/// The process of every page.
+std::vector<DWORD> pageProcesses();
+/// Ends them.
 void killPageProcesses();
 
 }  // namespace ZEMO::Test

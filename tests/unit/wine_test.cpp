@@ -11,6 +11,7 @@
 #include "core/wine/handle_moves.h"
 #include "core/wine/import_table.h"
 #include "core/wine/loader_order.h"
+#include "core/wine/pipe_writes.h"
 #include "support/debug_log.h"
 #include "support/import_replaced.h"
 
@@ -51,17 +52,22 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     void** const create = findImport(program(), "CreateProcessW");
     ASSERT_NE(create, nullptr);
     void* const createBefore = *create;
+    void** const write = findImport(program(), "WriteFile");
+    ASSERT_NE(write, nullptr);
+    void* const writeBefore = *write;
     const ZEMO::Test::DebugLogCapture log;
     {
         const ZEMO::Test::ImportReplaced windows("GetProcAddress", &withoutWine);
         realLookUp = windows.original<decltype(realLookUp)>();
         EXPECT_FALSE(isRunningUnderWine());
         guardEngine(program());
+        EXPECT_TRUE(guardChildsEngine(program()));
         skipEngineDetach(GetModuleHandleW(L"kernel32.dll"));
     }
     EXPECT_EQ(asked, std::vector<std::string>{"wine_get_version"}) << "once, and nothing else of the loader";
     EXPECT_EQ(*place, before);
     EXPECT_EQ(*create, createBefore);
+    EXPECT_EQ(*write, writeBefore);
     EXPECT_EQ(loaderList(), listBefore);
     EXPECT_TRUE(log.lines().empty()) << log.dump();
 }
@@ -100,6 +106,7 @@ TEST(Wine, ModuleWithoutTheImports_NothingIsReplaced) {
     EXPECT_EQ(findImport(ntdll, "DuplicateHandle"), nullptr);
     EXPECT_FALSE(divertHandleMoves(ntdll));
     EXPECT_FALSE(tieChildProcesses(ntdll));
+    EXPECT_FALSE(divertPipeWrites(ntdll));
 }
 
 }  // namespace ZEMO::Core::Wine

@@ -4,14 +4,9 @@
 #include "core/wine/child_processes.h"
 #include "core/wine/handle_moves.h"
 #include "core/wine/loader_order.h"
+#include "core/wine/pipe_writes.h"
 
 namespace ZEMO::Core::Wine {
-
-// Wine's own programs tell it by this export; no Windows has it.
-bool isRunningUnderWine() {
-    static const bool exported = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-    return exported;
-}
 
 void guardEngine(HMODULE engine) {
     if (!isRunningUnderWine()) return;
@@ -19,6 +14,7 @@ void guardEngine(HMODULE engine) {
     if (!detachOwnModuleFirst()) logDebugA("the order of the modules could not be changed\n");
     if (!divertHandleMoves(engine)) logDebugA("the engine's handle moves could not be diverted\n");
     if (!tieChildProcesses(engine)) logDebugA("the engine's processes could not be tied to this one\n");
+    if (!divertPipeWrites(engine)) logDebugA("the engine's long messages could not be diverted\n");
 }
 
 void skipEngineDetach(HMODULE engine) {
