@@ -13,7 +13,6 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "binding_traits.h"
 #include "engine/client/cef_adapter.h"
 #include "engine/game_host.h"
 #include "engine_bench/measured.h"
@@ -21,6 +20,7 @@
 #include "include/cef_browser.h"
 #include "include/cef_task.h"
 #include "support/http_server.h"
+#include "support/wrapped_browser.h"
 
 namespace {
 
@@ -73,7 +73,7 @@ public:
     explicit Finder(EngineEntries& place, std::atomic<bool>& set) : entries(place), done(set) {}
     void Execute() override {
         const CefRefPtr<CefBrowserHost> host = CefBrowserHost::GetBrowserByIdentifier(1)->GetHost();
-        auto* const raw = cef_binding::Binding<CefBrowserHost>::give(host);
+        auto* const raw = Test::structureOf(host);
         entries = {reinterpret_cast<void*>(raw->send_mouse_move_event),
                    reinterpret_cast<void*>(raw->send_mouse_wheel_event), reinterpret_cast<void*>(raw->send_key_event)};
         raw->base.release(&raw->base);

@@ -3,7 +3,6 @@
 #include <format>
 #include <thread>
 
-#include "binding_traits.h"
 #include "client/engine_task.h"
 #include "client/page_browser.h"
 #include "engine/client/cef_handler.h"
@@ -11,6 +10,7 @@
 #include "layers/layer_manager.h"
 #include "render/display_scale.h"
 #include "support/debug_log.h"
+#include "support/wrapped_browser.h"
 
 // Which calls a consumer of the frames and a local renderer get from the browser client, and in which order. Both are
 // stand-ins here, and so is the browser where its own calls count: the real ones say nothing of most of these calls.
@@ -138,7 +138,7 @@ CefRefPtr<CefBrowser> recordingBrowser(const SharedCalls& record) {
         calls->add(std::format("Invalidate {}", static_cast<int>(type)));
     };
     browser.get_host = [](cef_browser_t*) { return &host; };
-    return cef_binding::Binding<CefBrowser>::take(&browser);
+    return wrapBrowser(&browser);
 }
 
 /// Keeps the manager's count of layers above 0.

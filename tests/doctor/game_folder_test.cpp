@@ -39,22 +39,31 @@ fs::path builtFolder() {
 
 const std::wstring kIcon = L"resources\\html\\x_button\\common-btn-icon-webview-x@2x.png";
 
+std::vector<std::wstring> shippedFiles() {
+    std::vector<std::wstring> files = {L"ZEMOUIFramework.dll", L"resources\\zemowindow.ico", kIcon};
+    files.insert(files.end(), std::begin(kEngineFilesToShip), std::end(kEngineFilesToShip));
+    for (const wchar_t* file :
+         {L"cef.subprocess.exe", L"d3dcompiler_47.dll", L"locales\\en-US.pak", L"locales\\ko.pak"}) {
+        files.push_back(std::wstring(L"cefsubprocess\\") + file);
+    }
+    return files;
+}
+
+class ShippedFolder;
+using Spoil = std::function<void(ShippedFolder&)>;
+
 /// What a game ships (of its pages and locales what is looked for), as links of the built files, below a name of its
-/// own. Gone with the object.
+/// own. Gone with the object. It is spoilt before it is filled: a link of a library that some program has loaded can't
+/// be removed.
 class ShippedFolder {
 public:
-    explicit ShippedFolder(const std::wstring& name = L"game 게임") {
+    explicit ShippedFolder(const std::wstring& name = L"game 게임", const Spoil& spoil = {}) {
         static int number = 0;
         top = builtFolder().parent_path() /
               (L"doctor-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number));
         folder = top / name;
-        link(L"ZEMOUIFramework.dll");
-        for (const wchar_t* file : kEngineFilesToShip) link(file);
-        for (const wchar_t* file :
-             {L"cef.subprocess.exe", L"d3dcompiler_47.dll", L"locales\\en-US.pak", L"locales\\ko.pak"}) {
-            link(fs::path(L"cefsubprocess") / file);
-        }
-        for (const std::wstring& file : {std::wstring(L"resources\\zemowindow.ico"), kIcon}) link(file);
+        if (spoil) spoil(*this);
+        for (const std::wstring& file : files) link(file);
     }
     ~ShippedFolder() {
         std::error_code ignored;
@@ -64,19 +73,19 @@ public:
     ShippedFolder& operator=(const ShippedFolder&) = delete;
 
     const fs::path& path() const { return folder; }
-    void remove(const std::wstring& file) const { fs::remove_all(folder / file); }
+    void leaveOut(const std::wstring& file) {
+        fs::create_directories((folder / file).parent_path());  // which is there without the file
+        std::erase_if(files, [&](const auto& each) { return each == file || each.starts_with(file + L"\\"); });
+    }
 
-    /// Puts other bytes in the file's place; the link's other end stays as it is.
-    void write(const std::wstring& file, const std::string& bytes) const {
-        remove(file);
-        fs::create_directories((folder / file).parent_path());
-        std::ofstream(folder / file, std::ios::binary) << bytes;
+    /// Puts other bytes in the file's place.
+    void write(const std::wstring& file, const std::string& bytes) {
+        std::ofstream(placeFor(file), std::ios::binary) << bytes;
     }
-    void copyFrom(const std::wstring& source, const std::wstring& file) const {
-        remove(file);
-        fs::copy_file(builtFolder() / source, folder / file);
+    void copyFrom(const std::wstring& source, const std::wstring& file) {
+        fs::copy_file(builtFolder() / source, placeFor(file));
     }
-    void patch(const std::wstring& file, std::streamoff place, char byte) const {
+    void patch(const std::wstring& file, std::streamoff place, char byte) {
         copyFrom(file, file);
         std::fstream stream(folder / file, std::ios::binary | std::ios::in | std::ios::out);
         stream.seekp(place);
@@ -84,6 +93,10 @@ public:
     }
 
 private:
+    fs::path placeFor(const std::wstring& file) {
+        leaveOut(file);
+        return folder / file;
+    }
     void link(const fs::path& file) const {
         fs::create_directories((folder / file).parent_path());
         if (!CreateHardLinkW((folder / file).c_str(), (builtFolder() / file).c_str(), nullptr)) {
@@ -92,6 +105,7 @@ private:
     }
 
     fs::path top, folder;
+    std::vector<std::wstring> files = shippedFiles();
 };
 
 std::vector<Finding> examine(const fs::path& folder) { return Doctor::examine(folder, Doctor::kVersions); }
@@ -109,18 +123,18 @@ constexpr char kColour = 2, kColourAndAlpha = 6;
 
 struct WrongFolder {
     const char* name;
-    std::function<void(const ShippedFolder&)> spoil;
+    Spoil spoil;
     Finding expected;
 };
 
 void PrintTo(const WrongFolder& row, std::ostream* out) { *out << row.name; }
 
-std::function<void(const ShippedFolder&)> without(const std::wstring& file) {
-    return [file](const ShippedFolder& folder) { folder.remove(file); };
+Spoil without(const std::wstring& file) {
+    return [file](ShippedFolder& folder) { folder.leaveOut(file); };
 }
 
-std::function<void(const ShippedFolder&)> with(const std::wstring& file, const std::string& bytes) {
-    return [file, bytes](const ShippedFolder& folder) { folder.write(file, bytes); };
+Spoil with(const std::wstring& file, const std::string& bytes) {
+    return [file, bytes](ShippedFolder& folder) { folder.write(file, bytes); };
 }
 
 WrongFolder missingOfEngine(const char* name, const std::wstring& file) {
@@ -140,7 +154,7 @@ uint32_t headerPlace(const fs::path& program) {
     return place;
 }
 
-void makeOtherPlatform(const ShippedFolder& folder) {
+void makeOtherPlatform(ShippedFolder& folder) {
     const std::streamoff machine = headerPlace(builtFolder() / L"ZEMOUIFramework.dll") + std::streamoff{4};
     folder.patch(L"ZEMOUIFramework.dll", machine, '\x4C');
 }
@@ -183,10 +197,10 @@ const WrongFolder kWrongFolders[] = {
     {"CloseIcon", without(kIcon), {Severity::Warning, kIcon, L"is missing: the close button can't be seen"}},
 
     {"EngineOfAnotherVersion",
-     [](const ShippedFolder& folder) { folder.copyFrom(L"ZEMOUIFramework.dll", L"libcef.dll"); },
+     [](ShippedFolder& folder) { folder.copyFrom(L"ZEMOUIFramework.dll", L"libcef.dll"); },
      {Severity::Error, L"libcef.dll", L"has version " + Doctor::kVersions.library + kOfEngine}},
     {"ChildProgramWithoutVersion",
-     [](const ShippedFolder& folder) { folder.copyFrom(L"zemo_minimal.exe", L"cefsubprocess\\cef.subprocess.exe"); },
+     [](ShippedFolder& folder) { folder.copyFrom(L"zemo_minimal.exe", L"cefsubprocess\\cef.subprocess.exe"); },
      {Severity::Error, L"cefsubprocess\\cef.subprocess.exe", L"has version (none)" + kOfLibrary}},
     {"LibraryCutShort",
      with(L"ZEMOUIFramework.dll", "MZ"),
@@ -238,8 +252,7 @@ class WrongFolders : public testing::TestWithParam<WrongFolder> {};
 }  // namespace
 
 TEST_P(WrongFolders, WhatIsWrongIsNamedAndNothingElse) {
-    const ShippedFolder folder;
-    GetParam().spoil(folder);
+    const ShippedFolder folder(L"game 게임", GetParam().spoil);
     EXPECT_THAT(examine(folder.path()), ElementsAre(GetParam().expected));
 }
 

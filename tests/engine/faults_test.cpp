@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <zemo/ready_content.h>
 
 #include <filesystem>
 #include <format>
@@ -37,6 +38,39 @@ public:
 private:
     fs::path file, hidden;
 };
+
+/// Every operation of a view but show and close.
+void useWithoutPage(UI::IZEMOWebView& view, const std::shared_ptr<int>& answers) {
+    const auto post = std::make_shared<UI::ZEMOPostContent>("http://localhost/a", "body");
+    const auto count = [answers](auto...) { ++*answers; };
+    view.loadPage("start");
+    view.loadContent(post);
+    view.loadUrl("http://localhost/a", {post});
+    view.loadHtml("<p>\xED\x95\x9C</p>", "http://localhost/");
+    view.setContentItems({post});
+    view.evaluateJavascript("1", count);
+    view.addJavascriptCallback("name", count);
+    EXPECT_TRUE(view.bindObject("name", "message").starts_with("window.BindObjectAsync"));
+    view.goBack();
+    view.goForward();
+    EXPECT_FALSE(view.canGoBack());
+    EXPECT_FALSE(view.canGoForward());
+    EXPECT_FALSE(view.deleteCookies(""));
+    view.setSize(200, 100);
+}
+
+void sendEveryInput() {
+    for (const char* action : {"Move", "Down", "Up"}) UI::sendUIRemoteInputEvent("Click", action, "", 10, 10);
+    UI::sendUIRemoteInputEvent("Wheel", "Down", "", 10, 10);
+    UI::sendUIRemoteInputEvent("Key", "Down", "0x0D", 0, 0);
+    UI::sendUIRemoteInputEvent("Message", "", "text", 0, 0);
+    UI::sendGameControllerStatus("{}");
+    UI::sendGameControllerCustomMsgData("{}");
+    UI::processSteamDeckKeyboardClose();
+    UI::activeFocusMainWindow();
+    const std::u16string text = u"text";
+    for (const uint32_t kind : {0u, 1u, 2u}) setImeProcess(kind, &text, nullptr, nullptr);
+}
 
 }  // namespace
 
@@ -244,6 +278,31 @@ TEST(Faults, EngineLibraryMissing_LibraryStartsWithoutPagesAndSaysWhy) {
     second->loadHtml("<p>text</p>", "");
     second->show();
     second->close();
+}
+
+// Each engine function answers 0, null or an empty text then.
+TEST(Faults, EngineLibraryMissing_EveryOperationIsHarmless) {
+    const HiddenFile hidden(L"libcef.dll");
+    GameHost game;
+    for (const int mode : {0, 1}) {
+        SCOPED_TRACE(mode);
+        NavigationRecorder events;
+        const auto answers = std::make_shared<int>(0);
+        auto view = game.makeView("http://localhost/", events);
+        view->setDisplayMode(mode);
+        view->setCloseButtonEnabled(true);
+        useWithoutPage(*view, answers);
+        view->show();
+        useWithoutPage(*view, answers);
+        sendEveryInput();
+        game.resizeClient(300 + mode, 200);
+        game.pass(200ms);
+        view->close();
+        useWithoutPage(*view, answers);
+        view.reset();
+        EXPECT_EQ(*answers, 0);
+        EXPECT_TRUE(events.events().empty()) << events.events().front();
+    }
 }
 
 }  // namespace ZEMO::Test

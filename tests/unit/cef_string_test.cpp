@@ -157,6 +157,13 @@ TEST(CefWindowInfo, SetAsWindowless_HasNoWindowStyle) {
     EXPECT_EQ(copy.bounds.x, CW_USEDEFAULT);
 }
 
+TEST(CefRange, Set_TakesSignedNumbersAsTheEngineCountsThem) {
+    static_assert(std::is_same_v<decltype(&CefRange::Set), void (CefRange::*)(int, int)>);
+    CefRange range(3, 8);
+    range.Set(-1, -1);
+    EXPECT_EQ(range, CefRange::InvalidRange());
+}
+
 TEST(CefScheme, CustomSchemeOptions_AddUpToSeventeen) {
     EXPECT_EQ(CEF_SCHEME_OPTION_STANDARD | CEF_SCHEME_OPTION_CORS_ENABLED, 17u);
 }

@@ -6,14 +6,13 @@
 
 #include <vector>
 
-#include "binding_traits.h"
 #include "layers/input_modifiers.h"
 #include "support/import_replaced.h"
+#include "support/wrapped_browser.h"
 
 namespace ZEMO::UI {
 namespace {
 
-using cef_binding::Binding;
 using ZEMO::Test::ImportReplaced;
 
 std::vector<cef_key_event_t> keys;
@@ -35,13 +34,11 @@ cef_browser_t browserOfHost;
 CefRefPtr<CefBrowser> recordingBrowser() {
     makeCounted(host);
     makeCounted(browserOfHost);
-    host.send_key_event = [](cef_browser_host_t*, cef_key_event_t* event) { keys.push_back(*event); };
-    host.send_touch_event = [](cef_browser_host_t*, cef_touch_event_t* event) { touches.push_back(*event); };
-    host.send_mouse_click_event = [](cef_browser_host_t*, cef_mouse_event_t*, cef_mouse_button_type_t, int, int) {
-        ++clicks;
-    };
+    host.send_key_event = [](cef_browser_host_t*, auto* event) { keys.push_back(*event); };
+    host.send_touch_event = [](cef_browser_host_t*, auto* event) { touches.push_back(*event); };
+    host.send_mouse_click_event = [](cef_browser_host_t*, auto*, cef_mouse_button_type_t, int, int) { ++clicks; };
     browserOfHost.get_host = [](cef_browser_t*) { return &host; };
-    return Binding<CefBrowser>::take(&browserOfHost);
+    return ZEMO::Test::wrapBrowser(&browserOfHost);
 }
 
 /// The German layout's answers, as far as they are asked for; what it lacks is -1.
