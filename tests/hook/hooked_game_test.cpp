@@ -6,7 +6,7 @@
 #include "hook/painter_objects.h"
 #include "support/process_usage.h"
 
-// The reference module in games of either API: what holds for both.
+// The reference module in games of every API: what holds for all.
 namespace ZEMO::Test {
 namespace {
 
@@ -16,7 +16,7 @@ struct ApiName {
         return Game::kName;
     }
 };
-using Games = testing::Types<GlGame, D3D11Game>;
+using Games = testing::Types<GlGame, D3D11Game, D3D12Game>;
 
 constexpr char kAnimated[] =
     "<!doctype html><style>html,body{margin:0;height:100%;background:#112233}i{position:absolute;left:40px;top:40px;"
