@@ -11,6 +11,7 @@ using PresentFunction = HRESULT STDMETHODCALLTYPE(IDXGISwapChain*, UINT, UINT);
 constexpr size_t kPresent = 8;
 PresentFunction* systemPresent = nullptr;
 Presented frame;
+bool isRead = true;
 D3D12Game* game = nullptr;  ///< the one that presents: a chain does not tell its queue
 
 Com<ID3D12Resource> readBackBuffer(ID3D12Device* device, UINT64 bytes) {
@@ -135,7 +136,7 @@ void D3D12Game::read(ID3D12Resource* buffer) {
 }
 
 HRESULT STDMETHODCALLTYPE D3D12Game::readAndPresent(IDXGISwapChain* any, UINT interval, UINT flags) {
-    if (game && any == game->chain.get()) game->read(game->backBuffer().get());
+    if (isRead && game && any == game->chain.get()) game->read(game->backBuffer().get());
     return systemPresent(any, interval, flags);
 }
 
@@ -172,6 +173,7 @@ void D3D12Game::watchFrames(HMODULE) {
         GraphicsHook::patchTable(chain.get(), kPresent, reinterpret_cast<void*>(&D3D12Game::readAndPresent)));
 }
 
+void D3D12Game::setReading(bool read) { isRead = read; }
 Presented& D3D12Game::presented() { return frame; }
 
 }  // namespace ZEMO::Test

@@ -14,6 +14,8 @@ namespace ZEMO::Test {
 class D3D12Game {
 public:
     static constexpr char kName[] = "Direct3D12";
+    static constexpr int kCycles = 50;       // a chain costs the software driver much time
+    static constexpr size_t kComeAndGo = 3;  ///< what a frame in flight has once it has carried pixels
 
     explicit D3D12Game(HWND gameWindow);
     ~D3D12Game() { end(); }
@@ -38,10 +40,13 @@ public:
     size_t liveObjects() const;
     /// Each frame is read as it goes to the screen: the system's Present is watched, before the module knows its place.
     void watchFrames(HMODULE hookModule);
+    /// Whether frames are read, which waits for each.
+    static void setReading(bool read);
     static Presented& presented();
 
     bool isThere() const { return static_cast<bool>(chain); }
     ID3D12Device* getDevice() const { return device.get(); }
+    ID3D12CommandQueue* getQueue() const { return queue.get(); }
     ID3D12GraphicsCommandList* getList() const { return list.get(); }
 
 private:

@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/wine/import_table.h"
@@ -23,6 +26,7 @@ public:
                                   list.putVoid());
         list->Close();
     }
+    ID3D12CommandList* getList() const { return list.get(); }
     void execute() {
         ID3D12CommandList* const lists[] = {list.get()};
         queue->ExecuteCommandLists(1, lists);
@@ -47,6 +51,18 @@ void STDMETHODCALLTYPE recordBarrier(ID3D12GraphicsCommandList* list, UINT count
     systemBarrier(list, count, barriers);
 }
 
+// Which queues execute other lists than the game's.
+using ExecuteFunction = void STDMETHODCALLTYPE(ID3D12CommandQueue*, UINT, ID3D12CommandList* const*);
+constexpr size_t kExecuteCommandLists = 10;  // in the table of ID3D12CommandQueue
+ExecuteFunction* systemExecute = nullptr;
+std::vector<ID3D12CommandList*> gamesLists;
+std::vector<ID3D12CommandQueue*> queuesOfThePage;
+
+void STDMETHODCALLTYPE recordExecute(ID3D12CommandQueue* queue, UINT count, ID3D12CommandList* const* lists) {
+    if (std::ranges::find(gamesLists, lists[0]) == gamesLists.end()) queuesOfThePage.push_back(queue);
+    systemExecute(queue, count, lists);
+}
+
 HMODULE WINAPI noCompiler(const wchar_t* name) {
     return std::wstring_view(name) == L"d3dcompiler_47.dll" ? nullptr : LoadLibraryW(name);
 }
@@ -58,6 +74,11 @@ void WINAPI keepLine(const char* line) { logged += line; }
 
 class D3D12Hook : public HookedGame<D3D12Game> {
 protected:
+    void watchExecutes(std::vector<ID3D12CommandList*> ofTheGame) {
+        gamesLists = std::move(ofTheGame);
+        systemExecute = reinterpret_cast<ExecuteFunction*>(
+            GraphicsHook::patchTable(scene->getQueue(), kExecuteCommandLists, reinterpret_cast<void*>(&recordExecute)));
+    }
     void replace(const char* name, auto* function) {
         ASSERT_TRUE(Core::Wine::replaceImport(Core::Wine::findImport(module, name), reinterpret_cast<void*>(function)));
     }
@@ -89,13 +110,16 @@ TEST_F(D3D12Hook, FrameGetsAnotherFormat_PageKeepsItsColours) {
 
 TEST_F(D3D12Hook, CopyQueueExecutesLast_PageIsDrawnByTheOneThatDraws) {
     CopyQueue loading(scene->getDevice());
+    watchExecutes({scene->getList(), loading.getList()});
     auto view = show(solidPage("#112233"));
-    EXPECT_TRUE(game.waitFor("the page", [&] {
+    ASSERT_TRUE(game.waitFor("the page", [&] {
         scene->draw();
         loading.execute();
         scene->swap();
         return cornerIs(0x112233);
     }));
+    ASSERT_FALSE(queuesOfThePage.empty());
+    for (ID3D12CommandQueue* const queue : queuesOfThePage) EXPECT_EQ(queue, scene->getQueue());
 }
 
 TEST_F(D3D12Hook, PageDrawn_BackBufferIsLeftReadyToPresent) {
@@ -112,6 +136,22 @@ TEST_F(D3D12Hook, PageDrawn_BackBufferIsLeftReadyToPresent) {
     EXPECT_EQ(changes[1].pResource, changes[0].pResource);
     EXPECT_EQ(changes[1].StateBefore, D3D12_RESOURCE_STATE_RENDER_TARGET);
     EXPECT_EQ(changes[1].StateAfter, D3D12_RESOURCE_STATE_PRESENT);
+}
+
+TEST_F(D3D12Hook, GraphicsProcessorStalls_ThreeFramesInFlightAreEnoughAndTheGameGoesOn) {
+    auto view = show(solidPage("#112233"));
+    ASSERT_TRUE(playUntil("the page", [&] { return cornerIs(0x112233); }));
+    Com<ID3D12Fence> goOn;
+    ASSERT_EQ(scene->getDevice()->CreateFence(0, D3D12_FENCE_FLAG_NONE, __uuidof(ID3D12Fence), goOn.putVoid()), S_OK);
+    watchExecutes({scene->getList()});
+    D3D12Game::setReading(false);
+    ASSERT_EQ(scene->getQueue()->Wait(goOn.get(), 1), S_OK);
+    for (int i = 0; i < 5; ++i) ASSERT_EQ(scene->swap(), S_OK);
+    EXPECT_EQ(queuesOfThePage.size(), 3u);
+    ASSERT_EQ(goOn->Signal(1), S_OK);
+    D3D12Game::setReading(true);
+    for (int i = 0; i < 3; ++i) scene->present();
+    EXPECT_TRUE(cornerIs(0x112233));
 }
 
 TEST_F(D3D12Hook, NoShaderCompiler_GameGoesOnWithoutThePageAndTheLogSaysSo) {
