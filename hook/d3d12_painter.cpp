@@ -194,9 +194,9 @@ void D3D12Painter::draw(Layer layer, const Place& where) {
     const bool isOneToOne = where.right - where.left == static_cast<float>(texture.width) &&
                             where.bottom - where.top == static_cast<float>(texture.height);
     list->SetPipelineState(pipelines.pipelineOf(layer));
-    list->SetGraphicsRoot32BitConstants(Parameter::Edges, sizeof edges / sizeof(float), &edges, 0);
+    list->SetGraphicsRoot32BitConstants(Parameter::kEdges, sizeof edges / sizeof(float), &edges, 0);
     bindPixels(layer, texture.resource.get());
-    list->SetGraphicsRootDescriptorTable(Parameter::Sampler,
+    list->SetGraphicsRootDescriptorTable(Parameter::kSampler,
                                          readPlace(device.get(), samplers.get(), isOneToOne ? kNearest : kLinear));
     list->DrawInstanced(4, 1, 0, 0);
 }
@@ -205,7 +205,7 @@ void D3D12Painter::draw(Layer layer, const Place& where) {
 void D3D12Painter::bindPixels(Layer layer, ID3D12Resource* texture) {
     const UINT index = static_cast<UINT>(slots.index() * kLayers + static_cast<size_t>(layer));
     device->CreateShaderResourceView(texture, nullptr, writePlace(device.get(), views.get(), index));
-    list->SetGraphicsRootDescriptorTable(Parameter::Pixels, readPlace(device.get(), views.get(), index));
+    list->SetGraphicsRootDescriptorTable(Parameter::kPixels, readPlace(device.get(), views.get(), index));
 }
 
 void D3D12Painter::change(ID3D12Resource* resource, D3D12_RESOURCE_STATES from, D3D12_RESOURCE_STATES to) {

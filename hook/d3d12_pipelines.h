@@ -16,7 +16,7 @@ struct PageShaders;
 class D3D12Pipelines {
 public:
     /// What the parameters of the root signature are.
-    enum Parameter : UINT { Edges, Pixels, Sampler };
+    enum Parameter : UINT { kEdges, kPixels, kSampler };
 
     bool make(ID3D12Device* device);
     /// Frames of another format in flight are done: a game waits for them before its buffers get another one.

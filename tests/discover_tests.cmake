@@ -38,22 +38,23 @@ endfunction()
 
 function(zemo_add name filter kind count)
   add_test(${name} ${EMULATOR} ${PROGRAM} --gtest_filter=${filter})
+  set(environment)
   set(properties LABELS ${LABEL} ${LIMITS} COST ${count} WORKING_DIRECTORY ${FOLDER})
   if(kind STREQUAL "Serial")
     list(APPEND properties RUN_SERIAL TRUE)
   elseif(LABEL STREQUAL "window")
     list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
   elseif(kind STREQUAL "OnScreen")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
+    list(APPEND environment ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
   elseif(kind STREQUAL "Scale150")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=144)
+    list(APPEND environment ZEMO_SESSION_DPI=144)
   elseif(kind STREQUAL "Scale200")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=192)
+    list(APPEND environment ZEMO_SESSION_DPI=192)
   endif()
-  set_tests_properties(${name} PROPERTIES ${properties})
   if(name MATCHES "Direct3D12|D3D12Hook")
-    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT WINE_D3D_CONFIG=renderer=vulkan)
+    list(APPEND environment WINE_D3D_CONFIG=renderer=vulkan)
   endif()
+  set_tests_properties(${name} PROPERTIES ${properties} ENVIRONMENT "${environment}")
 endfunction()
 
 function(zemo_add_all)
