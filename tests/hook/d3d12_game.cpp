@@ -14,6 +14,15 @@ Presented frame;
 bool isRead = true;
 D3D12Game* game = nullptr;  ///< the one that presents: a chain does not tell its queue
 
+// Not imported: the module tries Direct3D 12 in every game that has loaded it, and this program's others have not.
+Com<ID3D12Device> makeDevice() {
+    Com<ID3D12Device> device;
+    const auto create = reinterpret_cast<PFN_D3D12_CREATE_DEVICE>(
+        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"d3d12.dll"), "D3D12CreateDevice")));
+    create(nullptr, D3D_FEATURE_LEVEL_11_0, __uuidof(ID3D12Device), device.putVoid());
+    return device;
+}
+
 Com<ID3D12Resource> readBackBuffer(ID3D12Device* device, UINT64 bytes) {
     Com<ID3D12Resource> buffer;
     const D3D12_HEAP_PROPERTIES heap{D3D12_HEAP_TYPE_READBACK, {}, {}, 0, 0};
@@ -43,9 +52,9 @@ void change(ID3D12GraphicsCommandList* list, ID3D12Resource* resource, D3D12_RES
 
 }  // namespace
 
-D3D12Game::D3D12Game(HWND gameWindow) : window(gameWindow) {
+D3D12Game::D3D12Game(HWND gameWindow) : window(gameWindow), device(makeDevice()) {
     game = this;
-    if (FAILED(D3D12CreateDevice(nullptr, D3D_FEATURE_LEVEL_11_0, __uuidof(ID3D12Device), device.putVoid()))) return;
+    if (!device) return;
     const D3D12_COMMAND_QUEUE_DESC direct{};
     device->CreateCommandQueue(&direct, __uuidof(ID3D12CommandQueue), queue.putVoid());
     device->CreateCommandAllocator(D3D12_COMMAND_LIST_TYPE_DIRECT, __uuidof(ID3D12CommandAllocator),
