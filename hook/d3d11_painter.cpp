@@ -1,74 +1,15 @@
 #include "d3d11_painter.h"
 
-#include <d3dcompiler.h>
-
 #include <utility>
 
 #include "log.h"
+#include "page_shaders.h"
 
 namespace ZEMO::GraphicsHook {
-namespace {
 
-// {5C0E4D5A-0F0B-4B39-9C59-6E2B3C7C5A11}: the painter among a swap chain's private data.
-constexpr GUID kPainterId{0x5c0e4d5a, 0x0f0b, 0x4b39, {0x9c, 0x59, 0x6e, 0x2b, 0x3c, 0x7c, 0x5a, 0x11}};
-
-constexpr char kShaders[] = R"(
-cbuffer Place : register(b0) { float4 edges; };  // left, top, right, bottom, from -1 to 1
-Texture2D page : register(t0);
-SamplerState pageSampler : register(s0);
-struct Corner { float4 position : SV_Position; float2 texel : TEXCOORD; };
-Corner vertexMain(uint id : SV_VertexID) {
-    Corner corner;
-    corner.texel = float2(id & 1, id >> 1);
-    corner.position = float4(lerp(edges.xy, edges.zw, corner.texel), 0, 1);
-    return corner;
-}
-float4 pixelMain(Corner corner) : SV_Target { return page.Sample(pageSampler, corner.texel); }
-)";
-
-Com<ID3DBlob> compile(const char* entry, const char* target) {
-    Com<ID3DBlob> code;
-    // The engine brings the compiler; it lies beside the library.
-    static const HMODULE compiler = LoadLibraryW(L"d3dcompiler_47.dll");
-    const auto run =
-        compiler ? reinterpret_cast<pD3DCompile>(reinterpret_cast<void*>(GetProcAddress(compiler, "D3DCompile")))
-                 : nullptr;
-    if (!run) {
-        logLine("there is no d3dcompiler_47.dll");
-        return code;
-    }
-    Com<ID3DBlob> errors;
-    run(kShaders, sizeof kShaders - 1, nullptr, nullptr, nullptr, entry, target, 0, 0, code.put(), errors.put());
-    if (!code) logLine("a shader does not compile");
-    return code;
-}
-
-// A page's values are the display's own: a target that converts to sRGB would brighten them.
-DXGI_FORMAT withoutConversion(DXGI_FORMAT format) {
-    switch (format) {
-        case DXGI_FORMAT_R8G8B8A8_UNORM_SRGB:
-            return DXGI_FORMAT_R8G8B8A8_UNORM;
-        case DXGI_FORMAT_B8G8R8A8_UNORM_SRGB:
-            return DXGI_FORMAT_B8G8R8A8_UNORM;
-        default:
-            return format;
-    }
-}
-
-}  // namespace
-
-Com<D3D11Painter> D3D11Painter::of(IDXGISwapChain* chain) {
-    Com<D3D11Painter> painter;
-    IUnknown* found = nullptr;
-    UINT size = sizeof(IUnknown*);
-    if (SUCCEEDED(chain->GetPrivateData(kPainterId, &size, static_cast<void*>(&found))) && found) {
-        *painter.put() = static_cast<D3D11Painter*>(found);
-        return painter;
-    }
-    Com<ID3D11Device1> device;
-    if (FAILED(chain->GetDevice(__uuidof(ID3D11Device1), device.putVoid()))) return painter;
-    *painter.put() = new D3D11Painter(std::move(device));
-    if (FAILED(chain->SetPrivateDataInterface(kPainterId, static_cast<IUnknown*>(painter.get())))) return {};
+Com<ChainPainter> D3D11Painter::make(IDXGISwapChain* chain) {
+    Com<ChainPainter> painter;
+    if (auto device = deviceOf<ID3D11Device1>(chain)) *painter.put() = new D3D11Painter(std::move(device));
     return painter;
 }
 
@@ -76,20 +17,6 @@ D3D11Painter::D3D11Painter(Com<ID3D11Device1> chainDevice) : device(std::move(ch
     device->GetImmediateContext1(context.put());
     isUsable = prepare();
     if (!isUsable) logLine("this Direct3D 11 device can't draw a page");
-}
-
-HRESULT STDMETHODCALLTYPE D3D11Painter::QueryInterface(REFIID id, void** object) {
-    *object = nullptr;
-    if (id != __uuidof(IUnknown)) return E_NOINTERFACE;
-    AddRef();
-    *object = static_cast<IUnknown*>(this);
-    return S_OK;
-}
-
-ULONG STDMETHODCALLTYPE D3D11Painter::Release() {
-    const ULONG left = --references;
-    if (left == 0) delete this;
-    return left;
 }
 
 bool D3D11Painter::prepare() {
@@ -107,12 +34,11 @@ bool D3D11Painter::makeState() {
 }
 
 bool D3D11Painter::makeShaders() {
-    const Com<ID3DBlob> vertex = compile("vertexMain", "vs_4_0");
-    const Com<ID3DBlob> pixel = compile("pixelMain", "ps_4_0");
-    return vertex && pixel &&
-           SUCCEEDED(device->CreateVertexShader(vertex->GetBufferPointer(), vertex->GetBufferSize(), nullptr,
+    const PageShaders code = compilePageShaders("vs_4_0", "ps_4_0");
+    return code &&
+           SUCCEEDED(device->CreateVertexShader(code.vertex->GetBufferPointer(), code.vertex->GetBufferSize(), nullptr,
                                                 vertexShader.put())) &&
-           SUCCEEDED(device->CreatePixelShader(pixel->GetBufferPointer(), pixel->GetBufferSize(), nullptr,
+           SUCCEEDED(device->CreatePixelShader(code.pixel->GetBufferPointer(), code.pixel->GetBufferSize(), nullptr,
                                                pixelShader.put()));
 }
 
@@ -157,7 +83,7 @@ bool D3D11Painter::makeSampler(D3D11_FILTER filter, Com<ID3D11SamplerState>& sam
 
 void D3D11Painter::paint(IDXGISwapChain* chain, HWND window, PagePicture::Content& content) {
     Com<ID3D11Texture2D> buffer;
-    if (!isUsable || FAILED(chain->GetBuffer(0, __uuidof(ID3D11Texture2D), buffer.putVoid()))) return;
+    if (FAILED(chain->GetBuffer(0, __uuidof(ID3D11Texture2D), buffer.putVoid()))) return;
     D3D11_TEXTURE2D_DESC description{};
     buffer->GetDesc(&description);
     const Com<ID3D11RenderTargetView> target = targetOf(buffer.get(), description.Format);

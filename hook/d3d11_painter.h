@@ -5,27 +5,20 @@
 #include <d3d11_1.h>
 
 #include <array>
-#include <atomic>
 
-#include "com.h"
+#include "chain_painter.h"
 #include "page_drawing.h"
 
 namespace ZEMO::GraphicsHook {
 
 /// Draws the page into the back buffer of one swap chain, with a device state object of its own that is exchanged for
 /// the game's as a whole and back: nothing of the game's state has to be known or copied.
-///
-/// It hangs on its swap chain as private data: the chain's end gives it back. Thread: the one that presents.
-class D3D11Painter final : public IUnknown, private Canvas {
+class D3D11Painter final : public ChainPainter, private Canvas {
 public:
-    /// The painter of `chain`, made with the first frame; null where the device can't draw a page.
-    static Com<D3D11Painter> of(IDXGISwapChain* chain);
+    static Com<ChainPainter> make(IDXGISwapChain* chain);
 
-    void paint(IDXGISwapChain* chain, HWND window, PagePicture::Content& content);
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override;
+    bool isReady() override { return isUsable; }
+    void paint(IDXGISwapChain* chain, HWND window, PagePicture::Content& content) override;
 
 private:
     struct Texture {
@@ -35,7 +28,6 @@ private:
     };
 
     explicit D3D11Painter(Com<ID3D11Device1> device);
-    ~D3D11Painter() = default;
     bool prepare();
     bool makeState();
     bool makeShaders();
@@ -49,7 +41,6 @@ private:
     void draw(Layer layer, const Place& where) override;
     void remake(Texture& texture, const Plane& plane);
 
-    std::atomic<ULONG> references{1};
     bool isUsable = false;
     Com<ID3D11Device1> device;
     Com<ID3D11DeviceContext1> context;

@@ -4,16 +4,18 @@
 #include <d3d12.h>
 #include <dxgi1_2.h>
 
-#include "com.h"
 #include "d3d11_painter.h"
+#include "d3d12_painter.h"
+#include "d3d12_queue.h"
 #include "game_frames.h"
 #include "log.h"
 #include "page_picture.h"
 #include "patch.h"
+#include "probe_chains.h"
 
-// The functions of a swap chain stand in a table that all chains of the process share, so one chain of our own, made
-// and dropped at once, leads to them, and chains that the game makes later or anew are reached without further work.
-// The chain of a Direct3D 12 game has the same functions on Windows; its device tells the two apart.
+// The functions of a swap chain stand in a table that all chains of one API share, so one chain of our own, made and
+// dropped at once, leads to them, and chains that the game makes later or anew are reached without further work.
+// Direct3D 11 and 12 have one table on Windows and two under Wine; the chain's device tells the two apart.
 //
 // What a painter needs hangs on the chain itself as private data and goes with it: no list of chains, nothing that
 // keeps one alive, and nothing of the back buffers is held from one frame to the next, so that ResizeBuffers finds them
@@ -30,26 +32,30 @@ constexpr size_t kPresent1 = 22;
 using PresentFunction = HRESULT STDMETHODCALLTYPE(IDXGISwapChain*, UINT, UINT);
 using Present1Function = HRESULT STDMETHODCALLTYPE(IDXGISwapChain1*, UINT, UINT, const DXGI_PRESENT_PARAMETERS*);
 
-PresentFunction* systemPresent = nullptr;
-Present1Function* systemPresent1 = nullptr;
+/// A table of functions, with what stood in it.
+struct ChainTable {
+    void* place = nullptr;
+    PresentFunction* present = nullptr;
+    Present1Function* present1 = nullptr;
+};
+ChainTable tableOf11, tableOf12;
+
 thread_local bool isInsidePresent = false;  // one Present may call the other
 
 RenderingMode apiOf(IDXGISwapChain* chain) {
-    Com<ID3D11Device> eleven;
-    if (SUCCEEDED(chain->GetDevice(__uuidof(ID3D11Device), eleven.putVoid()))) return RenderingMode::D3D11;
-    Com<ID3D12Device> twelve;
-    if (SUCCEEDED(chain->GetDevice(__uuidof(ID3D12Device), twelve.putVoid()))) return RenderingMode::D3D12;
-    return RenderingMode::Unknown;
+    if (deviceOf<ID3D11Device>(chain)) return RenderingMode::D3D11;
+    return deviceOf<ID3D12Device>(chain) ? RenderingMode::D3D12 : RenderingMode::Unknown;
 }
 
 void drawPage(IDXGISwapChain* chain) {
     const RenderingMode api = apiOf(chain);
-    if (api == RenderingMode::Unknown || !mayTakePage(api) || api != RenderingMode::D3D11) return;
+    if (api == RenderingMode::Unknown || !mayTakePage(api)) return;
     DXGI_SWAP_CHAIN_DESC description{};
     if (FAILED(chain->GetDesc(&description))) return;
-    if (!takesPage(RenderingMode::D3D11, description.OutputWindow)) return;
-    const Com<D3D11Painter> painter = D3D11Painter::of(chain);
-    if (!painter) return;
+    if (!takesPage(api, description.OutputWindow)) return;
+    const auto make = api == RenderingMode::D3D11 ? &D3D11Painter::make : &D3D12Painter::make;
+    const Com<ChainPainter> painter = ChainPainter::of(chain, make);
+    if (!painter || !painter->isReady()) return;
     pagePicture().visit(
         [&](PagePicture::Content& content) { painter->paint(chain, description.OutputWindow, content); });
 }
@@ -70,61 +76,62 @@ HRESULT presentWithPage(IDXGISwapChain* chain, UINT flags, Present&& present) {
     return result;
 }
 
+template <ChainTable& table>
 HRESULT STDMETHODCALLTYPE present(IDXGISwapChain* chain, UINT interval, UINT flags) {
-    return presentWithPage(chain, flags, [&] { return systemPresent(chain, interval, flags); });
+    return presentWithPage(chain, flags, [&] { return table.present(chain, interval, flags); });
 }
 
+template <ChainTable& table>
 HRESULT STDMETHODCALLTYPE present1(IDXGISwapChain1* chain, UINT interval, UINT flags,
                                    const DXGI_PRESENT_PARAMETERS* parameters) {
-    return presentWithPage(chain, flags, [&] { return systemPresent1(chain, interval, flags, parameters); });
+    return presentWithPage(chain, flags, [&] { return table.present1(chain, interval, flags, parameters); });
 }
 
-/// A window that nobody sees.
-class HiddenWindow {
-public:
-    ~HiddenWindow() { DestroyWindow(window); }
-    HWND get() const { return window; }
+void** tableAt(IUnknown* object) { return *reinterpret_cast<void***>(object); }
 
-private:
-    HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 8, 8, nullptr, nullptr, nullptr, nullptr);
-};
-
-Com<IDXGISwapChain> chainOfOurOwn(HWND window) {
-    Com<IDXGISwapChain> chain;
-    const auto create = reinterpret_cast<PFN_D3D11_CREATE_DEVICE_AND_SWAP_CHAIN>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"d3d11.dll"), "D3D11CreateDeviceAndSwapChain")));
-    if (!create) return chain;
-    DXGI_SWAP_CHAIN_DESC wanted{};
-    wanted.BufferDesc = {8, 8, {0, 1}, DXGI_FORMAT_B8G8R8A8_UNORM, {}, {}};
-    wanted.SampleDesc.Count = 1;
-    wanted.BufferUsage = DXGI_USAGE_RENDER_TARGET_OUTPUT;
-    wanted.BufferCount = 1;
-    wanted.OutputWindow = window;
-    wanted.Windowed = TRUE;
-    for (const D3D_DRIVER_TYPE driver : {D3D_DRIVER_TYPE_HARDWARE, D3D_DRIVER_TYPE_WARP}) {
-        if (SUCCEEDED(create(nullptr, driver, nullptr, 0, nullptr, 0, D3D11_SDK_VERSION, &wanted, chain.put(), nullptr,
-                             nullptr, nullptr)))
-            break;
-    }
-    return chain;
-}
-
+template <ChainTable& table>
 void patchChains(IDXGISwapChain* chain) {
-    systemPresent = reinterpret_cast<PresentFunction*>((*reinterpret_cast<void***>(chain))[kPresent]);
     Com<IDXGISwapChain1> newer;
-    if (SUCCEEDED(chain->QueryInterface(__uuidof(IDXGISwapChain1), newer.putVoid()))) {
-        systemPresent1 = reinterpret_cast<Present1Function*>((*reinterpret_cast<void***>(newer.get()))[kPresent1]);
-        patchTable(newer.get(), kPresent1, reinterpret_cast<void*>(&present1));
-    }
-    if (!patchTable(chain, kPresent, reinterpret_cast<void*>(&present))) logLine("the swap chain's table is not ours");
+    chain->QueryInterface(__uuidof(IDXGISwapChain1), newer.putVoid());
+    table.present = reinterpret_cast<PresentFunction*>(tableAt(chain)[kPresent]);
+    if (newer) table.present1 = reinterpret_cast<Present1Function*>(tableAt(newer.get())[kPresent1]);
+    table.place = tableAt(chain);
+    if (newer) patchTable(newer.get(), kPresent1, reinterpret_cast<void*>(&present1<table>));
+    if (!patchTable(chain, kPresent, reinterpret_cast<void*>(&present<table>)))
+        logLine("the swap chain's table is not ours");
+}
+
+template <ChainTable& table>
+void patchIfNew(IDXGISwapChain* chain, const ChainTable& other) {
+    if (tableAt(chain) != other.place) patchChains<table>(chain);
+}
+
+void hookD3D11() {
+    const HiddenWindow window;
+    if (const Com<IDXGISwapChain> chain = probeD3D11(window)) patchIfNew<tableOf11>(chain.get(), tableOf12);
+}
+
+void hookD3D12() {
+    const HiddenWindow window;
+    const D3D12Probe probe = probeD3D12(window);
+    if (!probe.chain) return logLine("there is no Direct3D 12 here");
+    watchQueues(probe.queue.get());
+    patchIfNew<tableOf12>(probe.chain.get(), tableOf11);
+}
+
+/// True once, when the game has loaded `library`.
+bool isToBeHooked(const wchar_t* library, bool& isHooked) {
+    return !isHooked && GetModuleHandleW(library) && (isHooked = true);
 }
 
 }  // namespace
 
+// Direct3D 12 first: its games may have loaded 11 too, and where both have one table their first frame ends the search.
 void hookDxgi() {
-    if (systemPresent || !GetModuleHandleW(L"d3d11.dll")) return;
-    const HiddenWindow window;
-    if (const Com<IDXGISwapChain> chain = chainOfOurOwn(window.get())) patchChains(chain.get());
+    static bool isTwelveHooked = false;
+    static bool isElevenHooked = false;
+    if (isToBeHooked(L"d3d12.dll", isTwelveHooked)) return hookD3D12();
+    if (isToBeHooked(L"d3d11.dll", isElevenHooked)) hookD3D11();
 }
 
 }  // namespace ZEMO::GraphicsHook

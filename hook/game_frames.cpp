@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "d3d12_queue.h"
 #include "gl_hook.h"
 #include "page_picture.h"
 
@@ -43,6 +44,7 @@ bool isGameMinimised() { return IsIconic(gameWindow.load()); }
 void leaveGameWindow() {
     gameWindow = nullptr;
     releaseGlPainter();
+    endQueueSearch();
 }
 
 void setPauseAfterFrame(uint32_t milliseconds) { pauseMs = milliseconds; }

@@ -36,7 +36,7 @@ __declspec(dllexport) RenderingMode GetRenderModeHandler() {
 }
 
 __declspec(dllexport) IRenderHookRenderer* GetD3D11RenderHookRenderer() { return pageRenderer(); }
-__declspec(dllexport) IRenderHookRenderer* GetD3D12RenderHookRenderer() { return silentRenderer(); }
+__declspec(dllexport) IRenderHookRenderer* GetD3D12RenderHookRenderer() { return pageRenderer(); }
 __declspec(dllexport) IRenderHookRenderer* GetOpenGLRenderHookRenderer() { return pageRenderer(); }
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {

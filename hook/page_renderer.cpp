@@ -42,23 +42,10 @@ private:
     PagePopup popup;
 };
 
-class SilentRenderer final : public IRenderHookRenderer {
-public:
-    void onPaint(Hook::PaintElementType, const Hook::RectList*, const void*, int, int) override {}
-    void setFrameActive(bool) override {}
-    IRenderHookPopup* getPopupRenderer() override { return nullptr; }
-    void prepareFrame(bool, Hook::PaintElementType, const Hook::RectList*) override {}
-    void setNeedResize(bool) override {}
-    void setSleepTime(uint32_t) override {}
-    void onGameWindowDestroyed(UINT, WPARAM, LPARAM) override {}
-};
-
 PageRenderer page;
-SilentRenderer silent;
 
 }  // namespace
 
 UI::IRenderHookRenderer* pageRenderer() { return &page; }
-UI::IRenderHookRenderer* silentRenderer() { return &silent; }
 
 }  // namespace ZEMO::GraphicsHook

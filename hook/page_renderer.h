@@ -4,10 +4,7 @@
 
 namespace ZEMO::GraphicsHook {
 
-/// What the library feeds, for every API that is drawn.
+/// What the library feeds, for every API: where nothing can be drawn it takes the calls all the same.
 UI::IRenderHookRenderer* pageRenderer();
-
-/// Takes every call and draws nothing, for an API that has no painter.
-UI::IRenderHookRenderer* silentRenderer();
 
 }  // namespace ZEMO::GraphicsHook

@@ -8,7 +8,8 @@
 # A name says what its test needs: in `engine` tests Screen, Foreground, Cursor or Click a display of its own, Missing
 # the machine for itself (a file that another copy of the engine has open can't be renamed, since copies share files by
 # hard links), Scale150 and Scale200 at its end a session whose desktop has that scale. OnScreenKeyboard needs the machine
-# for itself too: a desktop has one such keyboard, and every view that ends closes it.
+# for itself too: a desktop has one such keyboard, and every view that ends closes it. Direct3D12 and D3D12Hook have Wine
+# draw Direct3D 11 by Vulkan too: its OpenGL and a Vulkan swap chain can lock each other out of the display's connection.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -37,19 +38,23 @@ endfunction()
 
 function(zemo_add name filter kind count)
   add_test(${name} ${EMULATOR} ${PROGRAM} --gtest_filter=${filter})
+  set(environment)
   set(properties LABELS ${LABEL} ${LIMITS} COST ${count} WORKING_DIRECTORY ${FOLDER})
   if(kind STREQUAL "Serial")
     list(APPEND properties RUN_SERIAL TRUE)
   elseif(LABEL STREQUAL "window")
     list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
   elseif(kind STREQUAL "OnScreen")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
+    list(APPEND environment ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
   elseif(kind STREQUAL "Scale150")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=144)
+    list(APPEND environment ZEMO_SESSION_DPI=144)
   elseif(kind STREQUAL "Scale200")
-    list(APPEND properties ENVIRONMENT ZEMO_SESSION_DPI=192)
+    list(APPEND environment ZEMO_SESSION_DPI=192)
   endif()
-  set_tests_properties(${name} PROPERTIES ${properties})
+  if(name MATCHES "Direct3D12|D3D12Hook")
+    list(APPEND environment WINE_D3D_CONFIG=renderer=vulkan)
+  endif()
+  set_tests_properties(${name} PROPERTIES ${properties} ENVIRONMENT "${environment}")
 endfunction()
 
 function(zemo_add_all)

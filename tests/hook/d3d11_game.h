@@ -13,6 +13,8 @@ namespace ZEMO::Test {
 class D3D11Game {
 public:
     static constexpr char kName[] = "Direct3D11";
+    static constexpr int kCycles = 500;
+    static constexpr size_t kComeAndGo = 0;
 
     explicit D3D11Game(HWND gameWindow);
 

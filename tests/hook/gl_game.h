@@ -12,6 +12,8 @@ namespace ZEMO::Test {
 class GlGame {
 public:
     static constexpr char kName[] = "OpenGL";
+    static constexpr int kCycles = 500;
+    static constexpr size_t kComeAndGo = 0;
 
     explicit GlGame(HWND gameWindow);
     ~GlGame() { end(); }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "hook/d3d11_game.h"
+#include "hook/d3d12_game.h"
 #include "hook/gl_game.h"
 #include "hook/handed_frames.h"
 #include "support/http_server.h"
