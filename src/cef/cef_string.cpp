@@ -38,8 +38,21 @@ void assignCopy(cef_string_t& target, const char16_t* text, size_t length) {
 // Text longer than an int's worth of characters can't be converted by Windows in one call; it is cut there.
 constexpr size_t kMaxUnits = 0x7fffffff;
 
+/// Texts of megabytes, such as a script's result, are mostly ASCII: a loop over them costs a tenth of the system's
+/// call.
+template <class Target, class Source>
+bool copyAscii(const Source* text, size_t length, Target& target) {
+    Source all = 0;
+    for (size_t i = 0; i < length; ++i) all |= text[i];
+    if (all & ~0x7f) return false;
+    target.resize(length);
+    for (size_t i = 0; i < length; ++i) target[i] = static_cast<typename Target::value_type>(text[i]);
+    return true;
+}
+
 std::u16string widen(const char* utf8, size_t length) {
     if (!utf8 || !length) return {};
+    if (std::u16string plain; copyAscii(utf8, length, plain)) return plain;
     const int size = static_cast<int>(length < kMaxUnits ? length : kMaxUnits);
     const int units = MultiByteToWideChar(CP_UTF8, 0, utf8, size, nullptr, 0);
     std::u16string result(static_cast<size_t>(units > 0 ? units : 0), 0);
@@ -49,6 +62,7 @@ std::u16string widen(const char* utf8, size_t length) {
 
 std::string narrow(const char16_t* text, size_t length) {
     if (!text || !length) return {};
+    if (std::string plain; copyAscii(text, length, plain)) return plain;
     const int size = static_cast<int>(length < kMaxUnits ? length : kMaxUnits);
     const auto* wide = reinterpret_cast<const wchar_t*>(text);
     const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide, size, nullptr, 0, nullptr, nullptr);
