@@ -1,6 +1,7 @@
 # Library sources that need neither Windows nor the engine. They are part of the library as every other source, and are
 # built natively a second time, where the sanitizers and the fuzzers run.
 set(ZEMO_PORTABLE_SOURCES
+    core/json_quoted.cpp
     core/locale_names.cpp
     core/string_util.cpp
     core/texts_under_way.cpp

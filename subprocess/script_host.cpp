@@ -1,5 +1,8 @@
 #include "script_host.h"
 
+#include <string>
+
+#include "core/json_quoted.h"
 #include "core/process_messages.h"
 #include "include/cef_values.h"
 
@@ -162,6 +165,11 @@ void ScriptHost::evaluate(const CefRefPtr<CefFrame>& frame, const CefString& id,
         return sendAnswer(frame, id, {}, exception ? exception->GetMessage() : CefString(kNoScripts));
     }
     if (!value || !value->IsValid()) return sendAnswer(frame, id, {}, kNoJson);
+    if (value->IsString()) {  // the commonest of long results: not once more through the page
+        const CefString text = value->GetStringValue();
+        const std::u16string quoted = Core::jsonQuoted({text.c_str(), text.length()});
+        return sendAnswer(frame, id, CefString(quoted.data(), quoted.size(), false), {});
+    }
     if (!value->IsPromise()) return sendOutcome(frame, id, document.toText->ExecuteFunction(nullptr, {value}));
     document.settle->ExecuteFunction(nullptr, {value, CefV8Value::CreateFunction("answer", new PromiseSettled(id))});
 }
