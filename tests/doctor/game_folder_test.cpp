@@ -49,6 +49,25 @@ std::vector<std::wstring> shippedFiles() {
     return files;
 }
 
+bool isProcessThere(const std::wstring& id) {
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, std::stoul(id));
+    return process && CloseHandle(process);
+}
+
+/// This program's, by its process's number. Folders of programs that have ended may still lie beside it: a link of a
+/// library can't be removed while a test elsewhere has it loaded.
+fs::path placeForFolders() {
+    static const fs::path place = [] {
+        const fs::path parent = builtFolder().parent_path() / L"doctor";
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(parent, ignored)) {
+            if (!isProcessThere(entry.path().filename())) fs::remove_all(entry.path(), ignored);
+        }
+        return parent / std::to_wstring(GetCurrentProcessId());
+    }();
+    return place;
+}
+
 class ShippedFolder;
 using Spoil = std::function<void(ShippedFolder&)>;
 
@@ -59,8 +78,7 @@ class ShippedFolder {
 public:
     explicit ShippedFolder(const std::wstring& name = L"game 게임", const Spoil& spoil = {}) {
         static int number = 0;
-        top = builtFolder().parent_path() /
-              (L"doctor-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number));
+        top = placeForFolders() / std::to_wstring(++number);
         folder = top / name;
         if (spoil) spoil(*this);
         for (const std::wstring& file : files) link(file);
@@ -68,6 +86,9 @@ public:
     ~ShippedFolder() {
         std::error_code ignored;
         fs::remove_all(top, ignored);
+        // Where they are empty.
+        fs::remove(top.parent_path(), ignored);
+        fs::remove(top.parent_path().parent_path(), ignored);
     }
     ShippedFolder(const ShippedFolder&) = delete;
     ShippedFolder& operator=(const ShippedFolder&) = delete;
