@@ -79,6 +79,7 @@ Game::Game(const Options& chosen)
         if (key == VK_ESCAPE) leaving = true;
     };
     window.onMessage = [this](const MSG& message) { return pad.takeMessage(message); };
+    if (options.isDirect3D) screen = std::make_unique<Direct3DScreen>(window.handle());
     drawFrame();  // something to look at while the engine starts
     startUiLibrary(options, surface, events);
     pad.poll();  // the first page may be one for the controller
@@ -179,12 +180,16 @@ void Game::drawFrame() {
     const bool isPageDrawn = update.isVisible && topPage() && topPage()->isShown();
     if (isPageDrawn) quad.draw();
     if (onFrameDrawn) onFrameDrawn();
-    window.swapBuffers();
+    presentFrame(size);
 
     const auto end = Clock::now();
     figures.frames += 1;
     figures.frameMs.add(milliseconds(end - begin));
     if (isPageDrawn && !update.changed.isEmpty()) figures.toFrameMs.add(milliseconds(end - update.since));
+}
+
+void Game::presentFrame(PixelSize size) {
+    screen ? screen->show(pictureOfBackBuffer(size.width, size.height)) : window.swapBuffers();
 }
 
 void Game::handlePageEvents() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "direct3d_screen.h"
 #include "figures.h"
 #include "file_choice.h"
 #include "game_pad.h"
@@ -63,6 +64,7 @@ public:
 private:
     void playFrame();
     void drawFrame();
+    void presentFrame(PixelSize size);
     /// The library shows a page in the whole of the game's window: two pictures there would fight each other.
     bool isWindowLent() const;
     void handlePageEvents();
@@ -77,6 +79,7 @@ private:
 
     const Options options;
     GameWindow window;
+    std::unique_ptr<Direct3DScreen> screen;  // of a Direct3D 11 game
     Scene scene;
     Hud hud;
     Hud::Content hudText;

@@ -84,6 +84,8 @@ const std::vector<Option>& allOptions() {
                                          {"local", Mode::Local},
                                          {"hook", Mode::Hook}});
          }},
+        {"--direct3d", nullptr, "show the game's frames by Direct3D 11 in place of OpenGL",
+         [](O& o, S) { o.isDirect3D = true; }},
         {"--views", "N", "1, or 2 for a dialog on top of the page", [](O& o, S v) { o.views = toNumber(v, 1, 2); }},
         {"--seconds", "S", "end after S seconds; without it, when the window is closed",
          [](O& o, S v) { o.seconds = toNumber(v, 1, 86400); }},

@@ -36,6 +36,7 @@ struct Options {
     bool hasGpuCompositing = false;
     bool hasFigures = false;
     bool isSelfTest = false;
+    bool isDirect3D = false;
     bool isHelp = false;
     QuitWay quitWay = QuitWay::Close;
     std::filesystem::path out = "out";

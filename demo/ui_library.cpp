@@ -33,14 +33,12 @@ void startUiLibrary(const Options& options, const std::shared_ptr<PageSurface>& 
     ZEMO::UI::InitUILibrary();
 
     // 3. Whether the page in front is played with the controller. Like the frames below, a view takes this along when
-    // it
-    //    is first shown.
+    //    it is first shown.
     ZEMO::UI::setUIGameControllerScriptUseCallback(
         [events](int isUsed) { events->push({PageEvent::Kind::PadUse, 0, isUsed, {}}); });
 
     // 4. Where frames go. A view reads this when it is first shown, so it comes before the first view. With the hook
-    // the
-    //    page is drawn into the game's frame behind the game's back; with the callback the game draws it.
+    //    the page is drawn into the game's frame behind the game's back; with the callback the game draws it.
     if (options.mode == Mode::Hook) {
         searchHookBesideLibrary();
         ZEMO::UI::InitUIGraphicsHook();
