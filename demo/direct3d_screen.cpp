@@ -77,7 +77,7 @@ void Direct3DScreen::show(const Picture& frame) {
     if (FAILED(chain->GetBuffer(0, __uuidof(ID3D11Texture2D), &found))) return;
     const Com<ID3D11Texture2D> buffer(static_cast<ID3D11Texture2D*>(found));
     context->UpdateSubresource(buffer.get(), 0, nullptr, frame.pixels.data(), static_cast<UINT>(width) * 4, 0);
-    // chain->Present(0, 0);
+    chain->Present(0, 0);
 }
 
 }  // namespace demo
