@@ -64,10 +64,26 @@ TEST(DemoOptions, WrongArguments_AreNamedInTheComplaint) {
 
 TEST(DemoOptions, Help_NamesEachOptionOnce) {
     const std::string help = helpText();
-    for (const char* name :
-         {"--url ", "--page ", "--html ", "--html-file ", "--size ", "--mode ", "--views ", "--seconds ",
-          "--screenshot ", "--figures ", "--json ", "--out ", "--self-test ", "--close-button ", "--gpu-compositing ",
-          "--no-gpu-compositing ", "--direct3d ", "--quit-way ", "--pad-page ", "--pad-keys "}) {
+    for (const char* name : {"--url ",
+                             "--page ",
+                             "--html ",
+                             "--html-file ",
+                             "--size ",
+                             "--mode ",
+                             "--views ",
+                             "--seconds ",
+                             "--screenshot ",
+                             "--figures ",
+                             "--json ",
+                             "--out ",
+                             "--self-test ",
+                             "--close-button ",
+                             "--gpu-compositing ",
+                             "--no-gpu-compositing ",
+                             "--direct3d ",
+                             "--quit-way ",
+                             "--pad-page ",
+                             "--pad-keys "}) {
         const auto first = help.find(std::string("  ") + name);
         EXPECT_NE(first, std::string::npos) << name;
         EXPECT_EQ(help.find(std::string("\n  ") + name, first + 1), std::string::npos) << name;
