@@ -4,6 +4,7 @@
 
 #include "client/input_case.h"
 #include "support/import_replaced.h"
+#include "support/top_windows.h"
 
 // What decides between page and game, and what a page makes of input in the end: scrolling, clicks, menus.
 namespace ZEMO::Test {
@@ -74,13 +75,8 @@ bool has(const Lines& lines, const std::string& line) { return std::ranges::coun
 
 /// A menu of this process, which the system shows in a window of its own class.
 bool menuIsShown() {
-    HWND menu = nullptr;
-    while ((menu = FindWindowExW(nullptr, menu, L"#32768", nullptr))) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(menu, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(menu)) return true;
-    }
-    return false;
+    return std::ranges::any_of(Test::ownTopWindows(L"#32768"),
+                               [](HWND menu) { return IsWindowVisible(menu) != FALSE; });
 }
 
 }  // namespace

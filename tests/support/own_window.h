@@ -1,18 +1,13 @@
 #pragma once
 
-#include <windows.h>
+#include "top_windows.h"
 
 namespace ZEMO::Test {
 
-/// The first top-level window of a view of this process, or null. Other tests have such windows on the same desktop.
+/// The first top-level window of a view of this process, or null.
 inline HWND findViewWindow() {
-    HWND found = nullptr;
-    while ((found = FindWindowExW(nullptr, found, L"ZEMOExtraWindowClass", nullptr))) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(found, &process);
-        if (process == GetCurrentProcessId()) break;
-    }
-    return found;
+    const std::vector<HWND> windows = ownTopWindows(L"ZEMOExtraWindowClass");
+    return windows.empty() ? nullptr : windows.front();
 }
 
 }  // namespace ZEMO::Test

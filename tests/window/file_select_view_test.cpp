@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "support/scratch_directory.h"
+#include "support/top_windows.h"
 #include "support/window_text.h"
 #include "window/window_test_support.h"
 
@@ -66,12 +67,8 @@ private:
 
 std::set<HWND> visibleDialogs() {
     std::set<HWND> found;
-    HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, L"#32770", nullptr)) != nullptr) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(window)) found.insert(window);
-    }
+    for (const HWND window : Test::ownTopWindows(L"#32770"))
+        if (IsWindowVisible(window)) found.insert(window);
     return found;
 }
 

@@ -11,6 +11,7 @@
 #include "support/debug_log.h"
 #include "support/keyboard_key.h"
 #include "support/stand_in_keyboard.h"
+#include "support/top_windows.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -18,6 +19,7 @@ namespace {
 using Test::becomes;
 using Test::findKeyboardWindow;
 using Test::StandInKeyboard;
+using Test::topWindows;
 using Values = std::vector<std::optional<DWORD>>;
 
 constexpr ScreenMetrics kScaled{640, 480, 960, 768};
@@ -78,7 +80,7 @@ TEST_F(OnScreenKeyboard, OneRuns_MovesAndTheRegistryStays) {
     expectPlace(window, {0, 500, 960, 268});
     EXPECT_EQ(key.all(), before);
     EXPECT_EQ(findKeyboardWindow(), window);
-    EXPECT_EQ(FindWindowExW(nullptr, window, L"OSKMainClass", nullptr), nullptr);  // no second one
+    EXPECT_EQ(topWindows(L"OSKMainClass"), std::vector{window});  // no second one
 }
 
 TEST_F(OnScreenKeyboard, HiddenOne_IsShownAgainByTheNextPlacing) {
