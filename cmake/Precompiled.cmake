@@ -1,5 +1,5 @@
-# The system's and the standard library's headers parsed once for a target, which is most of a small unit's time. A unit
-# still names what it uses: lint.clang compiles each without this.
+# The system's headers, the standard library's and the test framework's parsed once for a program of tests, which is most of
+# a small unit's time. A unit still names what it uses: lint.clang compiles each without this.
 set(ZEMO_HEADERS_KEY "" CACHE STRING "What the system's headers are known by; where it is set, a compiler cache may share units across trees")
 function(zemo_precompile target)
   if(MINGW)

@@ -6,7 +6,7 @@ namespace demo {
 
 namespace {
 
-constexpr wchar_t kClassName[] = L"ZemoDemoScreen";
+constexpr wchar_t kScreenClass[] = L"ZemoDemoScreen";
 
 LRESULT CALLBACK screenProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCHITTEST) return HTTRANSPARENT;
@@ -31,9 +31,9 @@ Direct3DScreen::Direct3DScreen(HWND parent) {
     WNDCLASSEXW windowClass{sizeof windowClass};
     windowClass.lpfnWndProc = screenProc;
     windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = kClassName;
+    windowClass.lpszClassName = kScreenClass;
     RegisterClassExW(&windowClass);
-    window = CreateWindowExW(WS_EX_NOPARENTNOTIFY, kClassName, nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 1, 1, parent,
+    window = CreateWindowExW(WS_EX_NOPARENTNOTIFY, kScreenClass, nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 1, 1, parent,
                              nullptr, windowClass.hInstance, nullptr);
     createChain();
 }

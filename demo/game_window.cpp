@@ -9,7 +9,7 @@ namespace demo {
 
 namespace {
 
-constexpr wchar_t kClassName[] = L"ZemoDemoGame";
+constexpr wchar_t kGameClass[] = L"ZemoDemoGame";
 constexpr UINT_PTR kModalTimer = 1;
 constexpr DWORD kStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | WS_CLIPSIBLINGS;
 
@@ -34,11 +34,11 @@ GameWindow::GameWindow(const std::wstring& title, PixelSize client) : timer(crea
     windowClass.lpfnWndProc = windowProc;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.lpszClassName = kClassName;
+    windowClass.lpszClassName = kGameClass;
     RegisterClassExW(&windowClass);
 
     PixelSize outer = outerSize(client, GetDpiForSystem());
-    window = CreateWindowExW(0, kClassName, title.c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT, outer.width,
+    window = CreateWindowExW(0, kGameClass, title.c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT, outer.width,
                              outer.height, nullptr, nullptr, windowClass.hInstance, this);
     if (!window) throw std::runtime_error("the window could not be created");
     deviceContext = GetDC(window);

@@ -33,7 +33,7 @@ def file_hash(path):
 
 
 def _dependencies(build):
-    """object file -> headers, as the build found them."""
+    """object file -> what it was made from, as the build found it."""
     found, current = {}, None
     out = subprocess.run(["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True).stdout
     for line in out.splitlines():
@@ -44,7 +44,17 @@ def _dependencies(build):
     return found
 
 
-PRECOMPILED = ("-Winvalid-pch", "-Wno-array-bounds", "-Wno-stringop-overread")  # options that come with them
+# Options that come with precompiled headers and with groups of sources.
+FOR_THE_BUILD = ("-Winvalid-pch", "-Wno-array-bounds", "-Wno-stringop-overread", "-Wno-subobject-linkage")
+GROUP = re.compile(r"/unity_[^/]*_cxx[.]cxx$")
+
+
+def _sources(path):
+    """What the build compiles as `path`: itself, or the sources of a group."""
+    if not GROUP.search(path.replace(os.sep, "/")):
+        return [path]
+    with open(path, encoding="utf-8") as file:
+        return re.findall(r'^#include "(.+\.cpp)"$', file.read(), re.M)
 
 
 def _plain(command):
@@ -56,7 +66,7 @@ def _plain(command):
     while "-include" in words:
         place = words.index("-include")
         del words[place:place + 2]
-    return [word for word in words if word not in PRECOMPILED]
+    return [word for word in words if word not in FOR_THE_BUILD]
 
 
 class Unit:
@@ -75,16 +85,21 @@ def units(build, folders, only=()):
         entries = json.load(file)
     headers, found, own = _dependencies(build), {}, sources.TOP + os.sep
     for entry in entries:
-        path = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
-        relative = os.path.relpath(path, sources.TOP).replace(os.sep, "/")
-        if relative.split("/")[0] not in folders or not relative.endswith(".cpp") or path in found:
-            continue
-        if only and relative not in only:
-            continue
+        compiled = os.path.normpath(os.path.join(entry["directory"], entry["file"]))
         output = entry.get("output", "")
         used = headers.get(output) or headers.get(os.path.relpath(os.path.join(entry["directory"], output), build)) or []
-        words = _plain(entry.get("command") or shlex.join(entry["arguments"]))
-        found[path] = Unit(path, relative, entry["directory"], words, [h for h in used if h.startswith(own)])
+        command = _plain(entry.get("command") or shlex.join(entry["arguments"]))
+        group = [os.path.normpath(path) for path in _sources(compiled)]
+        for path in group:
+            relative = os.path.relpath(path, sources.TOP).replace(os.sep, "/")
+            if relative.split("/")[0] not in folders or not relative.endswith(".cpp") or path in found:
+                continue
+            if only and relative not in only:
+                continue
+            words = [path if word == compiled else word for word in command]
+            # A group's headers, for each of its sources: one more check at times, and none is missed.
+            includes = [h for h in used if h.startswith(own) and h not in group]
+            found[path] = Unit(path, relative, entry["directory"], words, includes)
     if not found:
         sys.exit("no source to check")
     return list(found.values())

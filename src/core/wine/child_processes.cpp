@@ -12,7 +12,7 @@ namespace {
 using CreateFunction = decltype(&::CreateProcessW);
 
 // What stood in the import: the system's function, or that of somebody who came earlier.
-std::atomic<CreateFunction> original = nullptr;
+std::atomic<CreateFunction> systemCreateProcess = nullptr;
 // Closed by the system with this process, and its processes end with it.
 std::atomic<HANDLE> job = nullptr;
 
@@ -67,7 +67,7 @@ private:
 BOOL WINAPI createTied(const wchar_t* program, wchar_t* line, SECURITY_ATTRIBUTES* process, SECURITY_ATTRIBUTES* thread,
                        BOOL inherit, DWORD flags, void* environment, const wchar_t* directory, STARTUPINFOW* start,
                        PROCESS_INFORMATION* started) {
-    const CreateFunction create = original;
+    const CreateFunction create = systemCreateProcess;
     STARTUPINFOEXW given{};
     if (flags & EXTENDED_STARTUPINFO_PRESENT) {
         given = *reinterpret_cast<const STARTUPINFOEXW*>(start);
@@ -100,7 +100,7 @@ bool tieChildProcesses(HMODULE module) {
     UniqueKernelHandle made = jobThatEndsWithUs();
     if (!made) return false;
     job = made.release();
-    original = reinterpret_cast<CreateFunction>(*place);
+    systemCreateProcess = reinterpret_cast<CreateFunction>(*place);
     return replaceImport(place, reinterpret_cast<void*>(&createTied));
 }
 

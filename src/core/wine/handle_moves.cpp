@@ -10,7 +10,7 @@ namespace ZEMO::Core::Wine {
 namespace {
 
 // What stood in the import: the system's function, or that of somebody who came earlier.
-std::atomic<DuplicateFunction> original = nullptr;
+std::atomic<DuplicateFunction> systemDuplicateHandle = nullptr;
 
 bool isOwnProcess(HANDLE process) {
     return process == GetCurrentProcess() || GetProcessId(process) == GetCurrentProcessId();
@@ -18,7 +18,7 @@ bool isOwnProcess(HANDLE process) {
 
 BOOL WINAPI moveHandle(HANDLE sourceProcess, HANDLE source, HANDLE targetProcess, HANDLE* target, DWORD access,
                        BOOL inherit, DWORD options) {
-    const DuplicateFunction duplicate = original;
+    const DuplicateFunction duplicate = systemDuplicateHandle;
     if (!(options & DUPLICATE_CLOSE_SOURCE) || isOwnProcess(sourceProcess)) {
         return duplicate(sourceProcess, source, targetProcess, target, access, inherit, options);
     }
@@ -41,7 +41,7 @@ bool divertHandleMoves(HMODULE module) {
     void** const place = findImport(module, "DuplicateHandle");
     if (!place) return false;
     if (*place == reinterpret_cast<void*>(&moveHandle)) return true;  // a second time it would be its own predecessor
-    original = reinterpret_cast<DuplicateFunction>(*place);
+    systemDuplicateHandle = reinterpret_cast<DuplicateFunction>(*place);
     return replaceImport(place, reinterpret_cast<void*>(&moveHandle));
 }
 

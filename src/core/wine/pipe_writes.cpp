@@ -12,7 +12,7 @@ namespace {
 using WriteFunction = decltype(&::WriteFile);
 
 // What stood in the import: the system's function, or that of somebody who came earlier.
-std::atomic<WriteFunction> original = nullptr;
+std::atomic<WriteFunction> systemWriteFile = nullptr;
 
 /// With Wine's own words to its server no longer than what a pipe takes as a whole.
 constexpr DWORD kUndividedBytes = 4096 - 256;
@@ -29,7 +29,7 @@ struct Write {
     bool made = false;
 
     void make() {
-        succeeded = original.load()(file, data, size, written, overlapped);
+        succeeded = systemWriteFile.load()(file, data, size, written, overlapped);
         error = GetLastError();
     }
 };
@@ -108,7 +108,7 @@ bool divertPipeWrites(HMODULE module) {
     void** const place = findImport(module, "WriteFile");
     if (!place) return false;
     if (*place == reinterpret_cast<void*>(&writeWhole)) return true;  // a second time it would be its own predecessor
-    original = reinterpret_cast<WriteFunction>(*place);
+    systemWriteFile = reinterpret_cast<WriteFunction>(*place);
     return replaceImport(place, reinterpret_cast<void*>(&writeWhole));
 }
 

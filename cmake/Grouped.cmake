@@ -1,0 +1,27 @@
+# A target's sources compiled up to twelve at a time: nearly all of a unit's time goes into the system's and the standard
+# library's headers, so that the whole takes a third. A group holds sources of one room. What two sources of a group both name
+# in unnamed namespaces meets here. Each is compiled alone as well, by lint.clang, which sees what it forgets to include.
+option(ZEMO_GROUPED "Compile the sources of the large targets in groups" ${MINGW})
+function(zemo_grouped target)
+  if(NOT ZEMO_GROUPED)
+    return()
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  if(MINGW)
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)  # GCC takes the sources of a group for headers
+  endif()
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "[.]cpp$")
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source)
+    cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} OUTPUT_VARIABLE relative)
+    cmake_path(GET relative PARENT_PATH room)
+    string(REGEX REPLACE "/.*" "" room "${room}")
+    if(NOT DEFINED count_${room})
+      set(count_${room} 0)
+    endif()
+    math(EXPR group "${count_${room}} / 12")
+    math(EXPR count_${room} "${count_${room}} + 1")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${room}_${group}")
+  endforeach()
+endfunction()
