@@ -144,7 +144,8 @@ protected:
             ASSERT_EQ(classOf(field), L"Edit");
             type(text);
             const auto isThere = [&] { return (typed = textOf(field)) == text; };
-            if (becomes(isThere, std::chrono::seconds(4)) && GetForegroundWindow() == dialog) return pressKey(VK_RETURN);
+            if (becomes(isThere, std::chrono::seconds(4)) && GetForegroundWindow() == dialog)
+                return pressKey(VK_RETURN);
             SetWindowTextW(field, L"");
         }
         FAIL() << "the field lacks what was typed: " << std::filesystem::path(typed);
