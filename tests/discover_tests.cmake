@@ -44,6 +44,7 @@ function(zemo_add name filter kind count)
     list(APPEND properties RUN_SERIAL TRUE)
   elseif(LABEL STREQUAL "window")
     list(APPEND properties RESOURCE_LOCK display)  # with its foreground, focus and cursor
+    list(APPEND environment ZEMO_FRONT_SESSION=1)  # ... which games of engine tests would take
   elseif(kind STREQUAL "OnScreen")
     list(APPEND environment ZEMO_SESSION_DPI=96)  # a display of its own: other games' windows take the foreground
   elseif(kind STREQUAL "Scale150")
