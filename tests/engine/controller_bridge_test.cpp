@@ -269,6 +269,8 @@ TEST_F(ControllerForeground, FocusLostAndRegained_PageAndGameHearOfIt) {
     EXPECT_TRUE(waitForLog("focus lost"));
     const size_t calls = uses().size(), gained = logged("focus gained");
     sendGameControllerCustomMsgData("1");
+    // Left to be seen, it may come to the front once more: the display answers the first request late.
+    ShowWindow(other.handle(), SW_HIDE);
     ASSERT_TRUE(bringToFront(game.window));
     EXPECT_TRUE(waitForLog("focus gained", gained + 1));
     EXPECT_TRUE(waitForUse(1, calls + 1));
