@@ -26,13 +26,13 @@ void ViewSize::getViewRect(CefRect& rect) {
     }
     int width = std::max(1, deviceToLogical(client.right - client.left, scale));
     int height = std::max(1, deviceToLogical(client.bottom - client.top, scale));
-    if (wiggle && getRenderingMode() == RenderingMode::D3D11) shrink(width, height);
+    if (wiggleResize && getRenderingMode() == RenderingMode::D3D11) shrink(width, height);
     rect.Set(0, 0, width, height);
 }
 
 void ViewSize::shrink(int& width, int& height) {
     if (wiggleCount < 1) {
-        wiggle = false;
+        wiggleResize = false;
         wiggleCount = kWiggleSteps;
         return;
     }

@@ -19,7 +19,7 @@ public:
     /// A view without a window is as large as the desktop. Set before the browser exists.
     void setNoWindow(bool value) { noWindow = value; }
     /// After a maximise or restore: a few slightly smaller sizes force the page to lay out anew.
-    void startWiggle() { wiggle = true; }
+    void startWiggle() { wiggleResize = true; }
 
     /// Never empty: the engine ends the process for a size of 0x0.
     void getViewRect(CefRect& rect);
@@ -32,7 +32,7 @@ private:
     HWND window;
     float scale;
     bool noWindow = false;
-    std::atomic<bool> wiggle{false};
+    std::atomic<bool> wiggleResize{false};
     int wiggleCount = 10;  ///< engine thread
 };
 
