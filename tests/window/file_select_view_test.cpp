@@ -27,8 +27,8 @@ using namespace ZEMO::UI;
 
 using Paths = std::vector<std::filesystem::path>;
 
-bool becomes(const std::function<bool()>& claim, std::chrono::milliseconds patience = kPatience) {
-    for (const auto end = std::chrono::steady_clock::now() + patience;;) {
+bool becomes(const std::function<bool()>& claim) {
+    for (const auto end = std::chrono::steady_clock::now() + kPatience;;) {
         if (claim()) return true;
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -98,17 +98,6 @@ void pressKey(WORD key) {
     EXPECT_EQ(SendInput(2, input, sizeof *input), 2u);
 }
 
-void type(const std::wstring& text) {
-    for (const wchar_t c : text) {
-        INPUT input[2] = {};
-        input[0].type = input[1].type = INPUT_KEYBOARD;
-        input[0].ki.wScan = input[1].ki.wScan = c;
-        input[0].ki.dwFlags = KEYEVENTF_UNICODE;
-        input[1].ki.dwFlags = KEYEVENTF_UNICODE | KEYEVENTF_KEYUP;
-        EXPECT_EQ(SendInput(2, input, sizeof *input), 2u);
-    }
-}
-
 class FileSelectView : public testing::Test {
 protected:
     FileSelectView() {
@@ -135,20 +124,20 @@ protected:
         });
         return focusOf(dialog);
     }
-    /// Types the text into the field by real keys, and Return. Games of other tests come to the foreground on the same
-    /// desktop and get some of the keys: then once more, as a person would.
+    /// Types the text into the field by real keys, and Return.
     void enter(HWND dialog, const std::wstring& text) {
-        std::wstring typed;
-        for (int tries = 0; tries < 5; ++tries) {
-            const HWND field = focusedField(dialog);
-            ASSERT_EQ(classOf(field), L"Edit");
-            type(text);
-            const auto isThere = [&] { return (typed = textOf(field)) == text; };
-            if (becomes(isThere, std::chrono::seconds(4)) && GetForegroundWindow() == dialog)
-                return pressKey(VK_RETURN);
-            SetWindowTextW(field, L"");
+        const HWND field = focusedField(dialog);
+        ASSERT_EQ(classOf(field), L"Edit");
+        for (const wchar_t c : text) {
+            INPUT input[2] = {};
+            input[0].type = input[1].type = INPUT_KEYBOARD;
+            input[0].ki.wScan = input[1].ki.wScan = c;
+            input[0].ki.dwFlags = KEYEVENTF_UNICODE;
+            input[1].ki.dwFlags = KEYEVENTF_UNICODE | KEYEVENTF_KEYUP;
+            ASSERT_EQ(SendInput(2, input, sizeof *input), 2u);
         }
-        FAIL() << "the field lacks what was typed: " << std::filesystem::path(typed);
+        ASSERT_TRUE(becomes([&] { return textOf(field) == text; })) << "the field lacks what was typed";
+        pressKey(VK_RETURN);
     }
     /// Goes to the test's directory.
     void enterDirectory(HWND dialog) {
