@@ -2,6 +2,7 @@
 # discover_tests_test.sh SCRIPT FOLDER CASE : which tests of a program become one test of the suite, over a made-up program.
 set -uo pipefail
 script=$1 folder=$2 case=$3
+label=engine; [ "$case" != front ] || label=window
 rm -rf "$folder"; mkdir -p "$folder"
 trap 'rm -rf "$folder"' EXIT
 fail() { echo "FAILED: $*"; echo "$names"; cat "$folder/asked" 2>/dev/null; exit 1; }
@@ -13,7 +14,7 @@ case $1 in
     printf 'Running main()\n%s.\n' Pages
     printf '  %s\n' Opens Closes Stops FileMissing OnScreen Wide_Scale150
     printf 'Each/Way.\n  Ends/left  # GetParam() = "left"\n  Ends/right  # GetParam() = "right"\nOther.\n  One\n' ;;
-*) echo "$1 ${ZEMO_SESSION_DPI:-}" >>"$(dirname "$0")/asked" ;;
+*) echo "$1 ${ZEMO_SESSION_DPI:-}${ZEMO_FRONT_SESSION:+front}" >>"$(dirname "$0")/asked" ;;
 esac
 PROGRAM
 chmod +x "$folder/program"
@@ -22,12 +23,12 @@ set(PROGRAM "$folder/program")
 set(LIST "$folder/list")
 set(FOLDER "$folder")
 set(EMULATOR "")
-set(LABEL engine)
+set(LABEL $label)
 set(LIMITS TIMEOUT;10)
 set(TOGETHER "Pages.*:Each/Way.*-Pages.Stops")
 include("$script")
 LIST
-suite() { names=$(ctest --test-dir "$folder" "$@" 2>&1 | sed -n 's/.*\(engine\.[^ ]*\).*/\1/p' | sort -u); }
+suite() { names=$(ctest --test-dir "$folder" "$@" 2>&1 | sed -n 's/.*\('$label'\.[^ ]*\).*/\1/p' | sort -u); }
 is() { [ "$(tr '\n' ' ' <<<"$names")" = "$* " ] || fail "these are not: $*"; }
 asked() { grep -qxF -- "$1" "$folder/asked" || fail "not asked for: $1"; }
 
@@ -41,6 +42,9 @@ alone)
     export ZEMO_TESTS_ALONE=1; suite
     is engine.Each/Way.Ends/left engine.Each/Way.Ends/right engine.Other.One engine.Pages.Closes engine.Pages.FileMissing engine.Pages.OnScreen engine.Pages.Opens engine.Pages.Stops engine.Pages.Wide_Scale150
     asked "--gtest_filter=Pages.Wide_Scale150 144" ;;
+front)
+    unset ZEMO_TESTS_ALONE; suite
+    asked "--gtest_filter=Pages.Stops front"; asked "--gtest_filter=Other.One front" ;;
 listed)
     suite -N; suite -N
     [ "$(wc -l <"$folder/listed")" = 1 ] || fail "a program that did not change is asked again"
