@@ -2,6 +2,7 @@
 
 #include "browser/browser_rules.h"
 #include "core/log.h"
+#include "core/wine/wine.h"
 
 namespace ZEMO::UI {
 namespace {
@@ -16,6 +17,7 @@ constexpr ASSOCF kQueryFlags = ASSOCF_INIT_IGNOREUNKNOWN;
 std::wstring assocQuery(ASSOCF flags, ASSOCSTR what, const wchar_t* assoc) {
     if (!assoc || !*assoc) return {};
 
+    const Core::Wine::AssociationQuery query;
     DWORD needed = 0;
     AssocQueryStringW(flags, what, assoc, nullptr, nullptr, &needed);
     if (needed >= 1 && needed <= kLongestAnswer) {

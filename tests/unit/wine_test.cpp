@@ -55,6 +55,8 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     void** const write = findImport(program(), "WriteFile");
     ASSERT_NE(write, nullptr);
     void* const writeBefore = *write;
+    void** const closeKey = findImport(GetModuleHandleW(L"shell32.dll"), "RegCloseKey");
+    void* const closeKeyBefore = closeKey ? *closeKey : nullptr;
     const ZEMO::Test::DebugLogCapture log;
     {
         const ZEMO::Test::ImportReplaced windows("GetProcAddress", &withoutWine);
@@ -63,11 +65,13 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
         guardEngine(program());
         EXPECT_TRUE(guardChildsEngine(program()));
         skipEngineDetach(GetModuleHandleW(L"kernel32.dll"));
+        const AssociationQuery query;
     }
     EXPECT_EQ(asked, std::vector<std::string>{"wine_get_version"}) << "once, and nothing else of the loader";
     EXPECT_EQ(*place, before);
     EXPECT_EQ(*create, createBefore);
     EXPECT_EQ(*write, writeBefore);
+    EXPECT_EQ(closeKey ? *closeKey : nullptr, closeKeyBefore);
     EXPECT_EQ(loaderList(), listBefore);
     EXPECT_TRUE(log.lines().empty()) << log.dump();
 }

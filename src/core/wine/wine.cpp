@@ -1,12 +1,20 @@
 #include "core/wine/wine.h"
 
 #include "core/log.h"
+#include "core/module_pin.h"
+#include "core/never_destroyed.h"
+#include "core/wine/association_keys.h"
 #include "core/wine/child_processes.h"
 #include "core/wine/handle_moves.h"
 #include "core/wine/loader_order.h"
 #include "core/wine/pipe_writes.h"
 
 namespace ZEMO::Core::Wine {
+namespace {
+
+NeverDestroyed<std::mutex> turnsOfQueries;
+
+}  // namespace
 
 void guardEngine(HMODULE engine) {
     if (!isRunningUnderWine()) return;
@@ -19,6 +27,18 @@ void guardEngine(HMODULE engine) {
 
 void skipEngineDetach(HMODULE engine) {
     if (isRunningUnderWine()) skipDetach(engine);
+}
+
+AssociationQuery::AssociationQuery() {
+    if (!isRunningUnderWine()) return;
+    pinOwnModule();  // the shell calls into it from now on
+    turn = std::unique_lock(*turnsOfQueries);
+    if (!guardAssociationQueries(GetModuleHandleW(L"shell32.dll"))) logDebugA("association queries are unguarded\n");
+    beginAssociationQuery();
+}
+
+AssociationQuery::~AssociationQuery() {
+    if (turn) endAssociationQuery();
 }
 
 }  // namespace ZEMO::Core::Wine
