@@ -6,6 +6,7 @@
 #include "core/unique_handle.h"
 #include "core/wine/remote_closer.h"
 #include "support/helper_process.h"
+#include "support/import_replaced.h"
 
 // Moves out of a real process. This program stands in for the engine: its import is the one that is diverted.
 namespace ZEMO::Core::Wine {
@@ -101,6 +102,27 @@ TEST(HandleMoves, CopyFails_ItsErrorComesThrough) {
     SetLastError(ERROR_SUCCESS);
     EXPECT_FALSE(divertedMove(elsewhere, GetCurrentProcess(), &moved, DUPLICATE_SAME_ACCESS | DUPLICATE_CLOSE_SOURCE));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST(HandleMoves, SourceNotOpen_WhoGetsItsNumberNextKeepsIt) {
+    const auto systemDuplicate = ZEMO::Test::systemFunction<decltype(DuplicateHandle)>(L"kernel32.dll", "DuplicateHandle");
+    for (const HANDLE target : {GetCurrentProcess(), HANDLE{nullptr}}) {
+        const HandleElsewhere elsewhere;
+        UniqueKernelHandle taken;
+        ASSERT_TRUE(systemDuplicate(elsewhere.process.get(), elsewhere.source, GetCurrentProcess(), taken.put(), 0,
+                                    FALSE, DUPLICATE_SAME_ACCESS | DUPLICATE_CLOSE_SOURCE));
+        ASSERT_FALSE(elsewhere.isOpen());
+        HANDLE moved = nullptr;
+        EXPECT_FALSE(
+            divertedMove(elsewhere, target, target ? &moved : nullptr, DUPLICATE_SAME_ACCESS | DUPLICATE_CLOSE_SOURCE));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+        HANDLE next = nullptr;
+        ASSERT_TRUE(systemDuplicate(GetCurrentProcess(), elsewhere.event.get(), elsewhere.process.get(), &next, 0,
+                                    FALSE, DUPLICATE_SAME_ACCESS));
+        ASSERT_EQ(next, elsewhere.source) << "the number is not used again";
+        Sleep(RemoteCloser::Limits{}.delayMs + 500);
+        EXPECT_TRUE(elsewhere.isOpen());
+    }
 }
 
 TEST(HandleMoves, ProcessHandleWithoutTheRight_ItsErrorComesThrough) {

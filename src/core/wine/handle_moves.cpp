@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "core/process_end.h"
+#include "core/unique_handle.h"
 #include "core/wine/import_table.h"
 #include "core/wine/remote_closer.h"
 
@@ -22,15 +23,19 @@ BOOL WINAPI moveHandle(HANDLE sourceProcess, HANDLE source, HANDLE targetProcess
     if (!(options & DUPLICATE_CLOSE_SOURCE) || isOwnProcess(sourceProcess)) {
         return duplicate(sourceProcess, source, targetProcess, target, access, inherit, options);
     }
-    BOOL done = TRUE;
-    // Without a target it is a mere close.
+    const DWORD asCopy = options & ~static_cast<DWORD>(DUPLICATE_CLOSE_SOURCE);
+    BOOL done = FALSE;
     if (targetProcess) {
-        done = duplicate(sourceProcess, source, targetProcess, target, access, inherit,
-                         options & ~static_cast<DWORD>(DUPLICATE_CLOSE_SOURCE));
+        done = duplicate(sourceProcess, source, targetProcess, target, access, inherit, asCopy);
+    } else {  // a mere close
+        UniqueKernelHandle unused;
+        done = duplicate(sourceProcess, source, GetCurrentProcess(), unused.put(), 0, FALSE, asCopy);
     }
     // The source is closed also when the copy failed. Whoever looks at the error means the copy's.
     const DWORD error = GetLastError();
-    if (!isProcessEnding()) RemoteCloser::instance(duplicate).closeLater(sourceProcess, source);
+    // But one that is not open is not: somebody else may have its number by then.
+    const bool isOpen = done || error != ERROR_INVALID_HANDLE;
+    if (isOpen && !isProcessEnding()) RemoteCloser::instance(duplicate).closeLater(sourceProcess, source);
     SetLastError(error);
     return done;
 }
