@@ -756,9 +756,14 @@ TEST_F(LayerManager, RepaintMainWindow_PostsAPaintMessage) {
     SubclassedGame fixture;
     fixture.game.onThread([&] {
         MSG message{};
-        while (PeekMessageW(&message, fixture.game.handle(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-        ValidateRect(fixture.game.handle(), nullptr);
-        EXPECT_FALSE(PeekMessageW(&message, fixture.game.handle(), WM_PAINT, WM_PAINT, PM_NOREMOVE));
+        const ULONGLONG end = GetTickCount64() + 20'000;
+        bool painted = true;  // the display may ask for it late
+        while (painted && GetTickCount64() < end) {
+            while (PeekMessageW(&message, fixture.game.handle(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+            ValidateRect(fixture.game.handle(), nullptr);
+            painted = PeekMessageW(&message, fixture.game.handle(), WM_PAINT, WM_PAINT, PM_NOREMOVE) != FALSE;
+        }
+        EXPECT_FALSE(painted);
         ZEMOMultiLayerManager::instance().repaintMainWindow();
         EXPECT_TRUE(PeekMessageW(&message, fixture.game.handle(), WM_PAINT, WM_PAINT, PM_REMOVE));
         EXPECT_EQ(message.wParam, 0u);
