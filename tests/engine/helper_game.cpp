@@ -1,10 +1,13 @@
 #include "engine/helper_game.h"
 
+#include <gtest/gtest.h>
 #include <tlhelp32.h>
 
 #include <format>
 #include <functional>
 #include <stdexcept>
+
+#include "core/detached_thread.h"
 
 namespace ZEMO::Test {
 
@@ -83,6 +86,7 @@ std::string allProcesses() {
 HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring& way,
                        const std::filesystem::path& workingDirectory, std::filesystem::path program) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+    HANDLE pipe = nullptr;
     HANDLE write = nullptr;
     CreatePipe(&pipe, &write, &inherit, 0);
     SetHandleInformation(pipe, HANDLE_FLAG_INHERIT, 0);
@@ -93,39 +97,49 @@ HelperGame::HelperGame(const std::filesystem::path& library, const std::wstring&
     startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     if (program.empty()) program = programDirectory() / L"test_helpers" / L"zemo_engine_helper.exe";
     std::wstring line = std::format(L"\"{}\" \"{}\" {}", program.wstring(), library.wstring(), way);
-    const BOOL started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+    // Without a console: Wine may keep the console host of a killed program, and with it this program's output.
+    const BOOL started = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
                                         workingDirectory.c_str(), &startup, &process);
     CloseHandle(write);
-    if (!started) throw std::runtime_error(std::format("the helper game did not start: {}", GetLastError()));
-    reader = std::thread(&HelperGame::readLines, this);
+    if (!started) {
+        const DWORD error = GetLastError();
+        CloseHandle(pipe);
+        throw std::runtime_error(std::format("the helper game did not start: {}", error));
+    }
+    Core::runDetached([pipe, into = lines] { readLines(pipe, *into); });
 }
 
 HelperGame::~HelperGame() {
     kill();
-    reader.join();
-    CloseHandle(pipe);
+    {
+        std::unique_lock lock(lines->mutex);
+        if (!lines->arrived.wait_for(lock, std::chrono::seconds(20), [this] { return lines->finished; })) {
+            ADD_FAILURE() << "somebody still holds the output of a game that has ended:\n" << allProcesses();
+        }
+    }
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
 }
 
-void HelperGame::readLines() {
+void HelperGame::readLines(HANDLE pipe, Output& into) {
     char buffer[256];
     for (DWORD n = 0; ReadFile(pipe, buffer, sizeof buffer, &n, nullptr) && n > 0;) {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard lock(into.mutex);
         for (DWORD i = 0; i < n; ++i) {
-            if (buffer[i] != '\r') text += buffer[i];
+            if (buffer[i] != '\r') into.text += buffer[i];
         }
-        arrived.notify_all();
+        into.arrived.notify_all();
     }
-    const std::lock_guard lock(mutex);
-    finished = true;
-    arrived.notify_all();
+    CloseHandle(pipe);
+    const std::lock_guard lock(into.mutex);
+    into.finished = true;
+    into.arrived.notify_all();
 }
 
 bool HelperGame::waitForLine(const std::string& line, std::chrono::milliseconds timeout) {
-    std::unique_lock lock(mutex);
-    const auto there = [&] { return ("\n" + text).find("\n" + line + "\n") != std::string::npos; };
-    arrived.wait_for(lock, timeout, [&] { return there() || finished; });
+    std::unique_lock lock(lines->mutex);
+    const auto there = [&] { return ("\n" + lines->text).find("\n" + line + "\n") != std::string::npos; };
+    lines->arrived.wait_for(lock, timeout, [&] { return there() || lines->finished; });
     return there();
 }
 
@@ -140,8 +154,8 @@ void HelperGame::letLeave() const {
 bool HelperGame::waitForEnd(std::chrono::milliseconds timeout) {
     if (WaitForSingleObject(process.hProcess, static_cast<DWORD>(timeout.count())) != WAIT_OBJECT_0) return false;
     // Its last lines may still be on their way through the pipe.
-    std::unique_lock lock(mutex);
-    arrived.wait_for(lock, std::chrono::seconds(10), [&] { return finished; });
+    std::unique_lock lock(lines->mutex);
+    lines->arrived.wait_for(lock, std::chrono::seconds(10), [&] { return lines->finished; });
     return true;
 }
 
@@ -157,8 +171,8 @@ void HelperGame::kill() {
 }
 
 std::string HelperGame::output() const {
-    const std::lock_guard lock(mutex);
-    return text;
+    const std::lock_guard lock(lines->mutex);
+    return lines->text;
 }
 
 }  // namespace ZEMO::Test

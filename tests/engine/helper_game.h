@@ -5,9 +5,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace ZEMO::Test {
@@ -46,14 +46,16 @@ public:
     std::string output() const;
 
 private:
-    void readLines();
+    /// Shared with the thread that reads: whoever else holds the pipe's other end may keep that for ever.
+    struct Output {
+        std::mutex mutex;
+        std::condition_variable arrived;
+        std::string text;
+        bool finished = false;
+    };
+    static void readLines(HANDLE pipe, Output& into);
     PROCESS_INFORMATION process{};
-    HANDLE pipe = nullptr;
-    mutable std::mutex mutex;
-    std::condition_variable arrived;
-    std::string text;
-    bool finished = false;
-    std::thread reader;
+    const std::shared_ptr<Output> lines = std::make_shared<Output>();
 };
 
 }  // namespace ZEMO::Test
