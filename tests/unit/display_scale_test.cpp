@@ -211,7 +211,8 @@ int runProbe(const std::string& name, int awareness) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION info{};
-    const BOOL started = CreateProcessW(program, nullptr, nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr, nullptr, &startup, &info);
+    const BOOL started =
+        CreateProcessW(program, nullptr, nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr, nullptr, &startup, &info);
     SetEnvironmentVariableA(kProbeVariable, nullptr);
     if (!started) return -1;
     const UniqueKernelHandle process(info.hProcess), thread(info.hThread);

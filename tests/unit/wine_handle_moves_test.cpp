@@ -105,7 +105,8 @@ TEST(HandleMoves, CopyFails_ItsErrorComesThrough) {
 }
 
 TEST(HandleMoves, SourceNotOpen_WhoGetsItsNumberNextKeepsIt) {
-    const auto systemDuplicate = ZEMO::Test::systemFunction<decltype(DuplicateHandle)>(L"kernel32.dll", "DuplicateHandle");
+    const auto systemDuplicate =
+        ZEMO::Test::systemFunction<decltype(DuplicateHandle)>(L"kernel32.dll", "DuplicateHandle");
     for (const HANDLE target : {GetCurrentProcess(), HANDLE{nullptr}}) {
         const HandleElsewhere elsewhere;
         UniqueKernelHandle taken;
