@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <format>
+#include <string>
+#include <utility>
 
 #include "hook/hooked_game.h"
 #include "hook/painter_objects.h"
@@ -29,6 +31,12 @@ constexpr char kList[] =
     "10px;width:120px;height:24px}option{background:#00ff00;color:#103010}</"
     "style><select><option>one<option>two<option>"
     "three<option>four</select>";
+
+/// The same list on a page that never rests.
+const std::string kListOnALivelyPage =
+    std::string(kList) +
+    "<div id=d style='position:absolute;left:200px;top:120px;width:80px;height:60px'></div><script>let n=0;setInterval("
+    "()=>{d.style.background=n++%2?'#f00':'#00f'},50)</script>";
 
 /// Where the game's frame is other than what the engine handed over, popup over page; empty when they are equal.
 std::string differenceToEngine(const Presented& frame) {
@@ -73,6 +81,24 @@ protected:
     void press(int x, int y) {
         PostMessageW(this->game.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
         PostMessageW(this->game.window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+    }
+    /// The list of kList, until its green shows, and until the page shows in its place again.
+    bool openList() {
+        Again press;
+        return this->playUntil("the list", [&] {
+            if (press.isDue()) this->press(60, 20);
+            return this->frame.at(130, 75) == 0x00FF00;
+        });
+    }
+    bool closeList() {
+        // A press that was late may open it once more. The one beside it needs no focus.
+        Again escape;
+        Again beside(1s);
+        return this->playUntil("the page without the list", [&] {
+            if (escape.isDue()) PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
+            if (beside.isDue()) this->press(310, 10);
+            return this->frame.at(130, 75) == 0x112233;
+        });
     }
     /// Down to the bar and back, another size and all made anew. How many presents later `corner` shows again.
     int cycle(int step, uint32_t corner) {
@@ -140,26 +166,30 @@ TYPED_TEST(HookModule, ListOpensForeground_FrameIsTheEnginesPixelByPixelAndWitho
     HandedFrames::watch(this->module);
     auto view = this->show(kList);
     ASSERT_TRUE(this->playUntil("the page", [&] { return this->cornerIs(0x112233); }));
-    Again onTheList;
-    ASSERT_TRUE(this->playUntil("the list", [&] {
-        if (onTheList.isDue()) this->press(60, 20);
-        return this->frame.at(130, 75) == 0x00FF00;
-    }));
+    ASSERT_TRUE(this->openList());
     std::string difference;
     EXPECT_TRUE(this->playUntil("the engine's pixels", [&] {
         difference = differenceToEngine(this->frame);
         return difference.empty();
     })) << difference;
-    // A press that was late may open it once more. The one beside it needs no focus.
-    Again escape;
-    Again beside(1s);
-    EXPECT_TRUE(this->playUntil("the page without it",
-                                [&] {
-                                    if (escape.isDue()) PostMessageW(this->game.window, WM_KEYDOWN, VK_ESCAPE, 1);
-                                    if (beside.isDue()) this->press(310, 10);
-                                    return this->frame.at(130, 75) == 0x112233;
-                                }))
-        << std::hex << this->frame.at(130, 75);
+    EXPECT_TRUE(this->closeList()) << std::hex << this->frame.at(130, 75);
+}
+
+// The list gets a frame of its own after each of the page's, which the engine paints inside of that one.
+TYPED_TEST(HookModule, ListOverALivelyPageForeground_BothGoOnUntilItCloses) {
+    auto view = this->show(kListOnALivelyPage);
+    ASSERT_TRUE(this->playUntil("the page", [&] { return this->cornerIs(0x112233); }));
+    ASSERT_TRUE(this->openList());
+    uint32_t last = this->frame.at(240, 150);
+    int changes = 0;
+    EXPECT_TRUE(this->playUntil("the page's changes beside the list", [&] {
+        changes += std::exchange(last, this->frame.at(240, 150)) != last;
+        return changes == 20;
+    })) << changes;
+    EXPECT_EQ(this->frame.at(130, 75), 0x00FF00u) << "the list has gone";
+    EXPECT_TRUE(this->closeList()) << std::hex << this->frame.at(130, 75);
+    last = this->frame.at(240, 150);
+    EXPECT_TRUE(this->playUntil("a later change", [&] { return this->frame.at(240, 150) != last; }));
 }
 
 TYPED_TEST(HookModule, GameWindowDestroyedWhileShown_NewWindowGetsTheNextPage) {

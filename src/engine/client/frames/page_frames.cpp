@@ -130,11 +130,15 @@ void PageFrames::onPaint(const CefRefPtr<CefBrowser>& source, PaintElementType t
 // True when nothing is left to do with the frame.
 bool PageFrames::offerToConsumer(const CefRefPtr<CefBrowser>& source, PaintElementType type, const RectList& dirtyRects,
                                  const void* buffer, int width, int height) {
-    const std::lock_guard paint(paintMutex);
+    // A consumer that asks for the popup's frame gets it within its own call.
+    const bool insideFrame = paintThread == GetCurrentThreadId();
+    std::unique_lock paint(paintMutex, std::defer_lock);
+    if (!insideFrame) paint.lock();
     if (closing || !visible) return true;
     const bool drawClose = hasCloseButton && closeButtonShown;
     paintThread = GetCurrentThreadId();
     const bool taken = consumer->paint(drawClose, source, type, dirtyRects, buffer, width, height);
+    if (insideFrame) return taken;
     paintThread = 0;
     if (clearPending.exchange(false)) consumer->clearFrame();  // the view ended meanwhile
     return taken;
