@@ -101,6 +101,42 @@ TEST(Hostile, ViewDroppedInsideItsPresentCallback_NoticeOfTheEndFollowsThatFrame
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "end"), 1);
 }
 
+TEST(Hostile, ViewClosedAndShownAgainInsideItsPresentCallback_FramesGoOnOneAfterTheOther) {
+    HttpServer server;
+    server.serveHtml("/", livelyPage(""));
+    GameHost game;
+    NavigationRecorder events;
+    std::shared_ptr<ZEMO::UI::IZEMOWebView> view;
+    std::recursive_mutex mutex;
+    int frames = 0, turns = 0, nested = 0;
+    bool inside = false;
+    ZEMO::UI::setUIOsrFramePresentCallback([&](const void* pixels, int, int, int, int, int, int) {
+        const std::lock_guard lock(mutex);
+        if (!pixels) return;
+        nested += inside;
+        if (++frames % 5 != 0 || inside || !view) return;
+        inside = true;
+        view->close();
+        view->show();
+        inside = false;
+        ++turns;
+    });
+    const auto made = game.makeView(server.url("/"), events);
+    made->show();
+    {
+        const std::lock_guard lock(mutex);
+        view = made;
+    }
+    EXPECT_TRUE(game.waitFor("frames after three turns", [&] {
+        const std::lock_guard lock(mutex);
+        return turns >= 3 && frames % 5 == 4;
+    }));
+    ZEMO::UI::setUIOsrFramePresentCallback(nullptr);
+    const std::lock_guard lock(mutex);
+    EXPECT_EQ(nested, 0);
+    view.reset();
+}
+
 TEST(Hostile, GamesOwnMessagesOfTheReservedNumbers_LeftAloneWhileAViewIsShown) {
     HttpServer server;
     server.serveHtml("/", livelyPage(""));

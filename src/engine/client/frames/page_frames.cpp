@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "engine/client/frames/refresh_task.h"
 #include "render/pixel_scale.h"
 
 // The end of frames, in order: no frame is taken any more, the render thread ends, the consumer hears that there is
@@ -79,10 +80,9 @@ void PageFrames::ensureRenderer() {
 
 void PageFrames::refreshBrowser() {
     if (cycle.isStopped() || !visible) return;
-    if (const CefRefPtr<CefBrowser> current = getBrowser()) {
-        current->GetHost()->WasResized();
-        current->GetHost()->Invalidate(PET_VIEW);
-    }
+    // Posted on the engine's thread too, which would paint within the call: a game that shows a view inside one of its
+    // callbacks would get that frame there, in the middle of another one and under the locks of that show.
+    if (const CefRefPtr<CefBrowser> current = getBrowser()) CefPostTask(TID_UI, new RefreshTask(current));
 }
 
 bool PageFrames::runCycle() {
