@@ -14,6 +14,14 @@ Usage usage() { return {processUsage(), childProcesses().size()}; }
 
 constexpr size_t kViews = 100;  // in each half
 
+/// What a page that does not come has got so far.
+std::string howFar(const NavigationRecorder& events) {
+    std::string text;
+    for (const std::string& event : events.events()) text += event + ", ";
+    for (const DWORD child : childProcesses()) text += childType(child) + " ";
+    return text;
+}
+
 }  // namespace
 
 // Every second view is dropped before its browser exists, the others once their page is there. The page comes without a
@@ -23,13 +31,17 @@ TEST(ViewLife, TwoHundredViewsOpenedAndClosed_ProcessIsBackWhereItWas) {
     NavigationRecorder events;
     const auto oneView = [&](size_t index) {
         game.frames.forgetFrames();
+        events.forget();
         auto view = game.makeView("data:text/html,<body style='margin:0;background:rgb(68,85,102)'>", events);
         view->show();
         if (index % 2 != 0) {
-            ASSERT_TRUE(game.waitFor("a frame", [&] {
-                const Frame last = game.frames.lastFrame();
-                return last.width == 320 && !last.cleared && game.frames.pixel(9, 9) == 0xFF445566u;
-            })) << index;
+            ASSERT_TRUE(game.waitFor("a frame",
+                                     [&] {
+                                         const Frame last = game.frames.lastFrame();
+                                         return last.width == 320 && !last.cleared &&
+                                                game.frames.pixel(9, 9) == 0xFF445566u;
+                                     }))
+                << index << ": " << game.frames.frameCount() << " frames, " << howFar(events);
         }
         view->close();
         view.reset();
