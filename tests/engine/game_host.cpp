@@ -1,8 +1,5 @@
 #include "engine/game_host.h"
 
-#include <tlhelp32.h>
-#include <winternl.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <format>
@@ -26,11 +23,6 @@ HANDLE wakeEvent() {
     static const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     return event;
 }
-
-struct CloseHandleDeleter {
-    void operator()(void* handle) const { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, CloseHandleDeleter>;
 
 class AddressItem final : public ZEMO::UI::IZEMOWebContent {
 public:
@@ -239,7 +231,8 @@ bool GameHost::waitFor(const char* what, const std::function<bool()>& done, std:
     const HANDLE wake = wakeEvent();
     while (!done()) {
         if (std::chrono::steady_clock::now() >= end) {
-            std::cerr << "gave up waiting for " << what << std::endl;
+            std::cerr << "gave up waiting for " << what << "; " << frames.frameCount()
+                      << " frames, child processes: " << childrenText() << std::endl;
             return false;
         }
         MsgWaitForMultipleObjects(1, &wake, FALSE, 20, QS_ALLINPUT);
@@ -277,46 +270,6 @@ void GameHost::resizeClient(int width, int height) {
         pass(30ms);
     }
     std::cerr << "the game window did not take the size " << width << "x" << height << std::endl;
-}
-
-std::vector<DWORD> childProcesses() {
-    std::vector<DWORD> children;
-    const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof entry;
-    for (BOOL more = Process32FirstW(snapshot.get(), &entry); more; more = Process32NextW(snapshot.get(), &entry)) {
-        if (entry.th32ParentProcessID == GetCurrentProcessId()) children.push_back(entry.th32ProcessID);
-    }
-    return children;
-}
-
-std::string childType(DWORD processId) {
-    const OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
-    if (!process) return {};
-    PROCESS_BASIC_INFORMATION basic{};
-    if (NtQueryInformationProcess(process.get(), ProcessBasicInformation, &basic, sizeof basic, nullptr)) return {};
-    const auto read = [&](const void* address, void* to, size_t bytes) {
-        SIZE_T done = 0;
-        return ReadProcessMemory(process.get(), address, to, bytes, &done) && done == bytes;
-    };
-    PEB peb{};
-    RTL_USER_PROCESS_PARAMETERS parameters{};
-    if (!read(basic.PebBaseAddress, &peb, sizeof peb)) return {};
-    if (!read(peb.ProcessParameters, &parameters, sizeof parameters)) return {};
-    std::wstring line(parameters.CommandLine.Length / sizeof(wchar_t), L'\0');
-    if (!read(parameters.CommandLine.Buffer, line.data(), parameters.CommandLine.Length)) return {};
-    const size_t at = line.find(L"--type=");
-    if (at == std::wstring::npos) return {};
-    std::string type;
-    for (size_t i = at + 7; i < line.size() && line[i] != L' ' && line[i] != L'"'; ++i) {
-        type += static_cast<char>(line[i]);
-    }
-    return type;
-}
-
-bool killProcess(DWORD processId) {
-    const OwnedHandle process(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, processId));
-    return process && TerminateProcess(process.get(), 1) && WaitForSingleObject(process.get(), 10'000) == WAIT_OBJECT_0;
 }
 
 std::string solidPage(const std::string& cssColor) {

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/child_processes.h"
+
 namespace ZEMO::Test {
 
 using namespace std::chrono_literals;
@@ -147,12 +149,6 @@ private:
     static LRESULT CALLBACK windowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<std::shared_ptr<ZEMO::UI::ZEMOWebViewDelegate>> delegates;
 };
-
-/// Processes whose parent is this process, by program name ("cef.subprocess.exe").
-std::vector<DWORD> childProcesses();
-/// The text after "--type=" in a child's command line; empty when there is none or it can't be read.
-std::string childType(DWORD processId);
-bool killProcess(DWORD processId);
 
 /// A page of solid colour.
 std::string solidPage(const std::string& cssColor);

@@ -14,14 +14,6 @@ Usage usage() { return {processUsage(), childProcesses().size()}; }
 
 constexpr size_t kViews = 100;  // in each half
 
-/// What a page that does not come has got so far.
-std::string howFar(const NavigationRecorder& events) {
-    std::string text;
-    for (const std::string& event : events.events()) text += event + ", ";
-    for (const DWORD child : childProcesses()) text += childType(child) + " ";
-    return text;
-}
-
 }  // namespace
 
 // Every second view is dropped before its browser exists, the others once their page is there. The page comes without a
@@ -41,7 +33,7 @@ TEST(ViewLife, TwoHundredViewsOpenedAndClosed_ProcessIsBackWhereItWas) {
                                          return last.width == 320 && !last.cleared &&
                                                 game.frames.pixel(9, 9) == 0xFF445566u;
                                      }))
-                << index << ": " << game.frames.frameCount() << " frames, " << howFar(events);
+                << index << ": " << ::testing::PrintToString(events.events());
         }
         view->close();
         view.reset();

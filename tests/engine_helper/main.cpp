@@ -20,6 +20,8 @@
 #include <string>
 #include <thread>
 
+#include "engine/child_processes.h"
+
 namespace {
 
 constexpr int kExitCode = 7;
@@ -28,6 +30,7 @@ constexpr uint32_t kColor = 0xFF204060u;
 
 std::atomic<bool> seen{false};
 std::atomic<int> frameWidth{0};
+std::atomic<int> frameCount{0};
 
 template <class Function>
 Function* find(HMODULE library, const char* name) {
@@ -137,6 +140,7 @@ int wmain(int argc, wchar_t** argv) {
                 Sleep(10);
             }
             if (!pixels || width < 2 || height < 2) return;
+            ++frameCount;
             frameWidth = width;
             if (static_cast<const uint32_t*>(pixels)[width + 1] == kColor) seen = true;
         });
@@ -159,7 +163,8 @@ int wmain(int argc, wchar_t** argv) {
     if (!option.empty() && !address && !local && !held) {
         pump(std::stoi(option), nullptr);
     } else if (!pump(60'000, &seen)) {
-        say("no page");
+        std::printf("no page: %d frames, %s\n", frameCount.load(), ZEMO::Test::childrenText().c_str());
+        std::fflush(stdout);
         TerminateProcess(GetCurrentProcess(), kFailed);
     }
     say("ready");
