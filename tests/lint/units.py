@@ -97,8 +97,9 @@ def units(build, folders, only=()):
             if only and relative not in only:
                 continue
             words = [path if word == compiled else word for word in command]
-            # A group's headers, for each of its sources: one more check at times, and none is missed.
-            includes = [h for h in used if h.startswith(own) and h not in group]
+            # A group's headers, for each of its sources: one more check at times, and none is missed. The group's own
+            # file names its sources in full.
+            includes = [h for h in used if h.startswith(own) and h not in group and h != compiled]
             found[path] = Unit(path, relative, entry["directory"], words, includes)
     if not found:
         sys.exit("no source to check")
