@@ -254,9 +254,10 @@ namespace {
 CursorAt* innermostCursor = nullptr;
 }
 
-CursorAt::CursorAt(int x, int y) : place{x, y}, outer(innermostCursor) {
+CursorAt::CursorAt(std::function<POINT()> screen) : place(std::move(screen)), outer(innermostCursor) {
     GetCursorPos(&before);
-    SetCursorPos(x, y);
+    const POINT first = place();
+    SetCursorPos(first.x, first.y);
     innermostCursor = this;
 }
 
@@ -271,13 +272,16 @@ int CursorAt::hold(const std::function<void()>& attempt) {
         attempt();
         return 1;
     }
-    const POINT wanted = innermostCursor->place;
+    POINT wanted{};
     const auto isThere = [&] {
+        const POINT place = innermostCursor->place();
         POINT now{};
-        return GetCursorPos(&now) && now.x == wanted.x && now.y == wanted.y;
+        return GetCursorPos(&now) && now.x == wanted.x && now.y == wanted.y && place.x == wanted.x &&
+               place.y == wanted.y;
     };
     const auto deadline = std::chrono::steady_clock::now() + kPatience;
     while (std::chrono::steady_clock::now() < deadline) {
+        wanted = innermostCursor->place();
         SetCursorPos(wanted.x, wanted.y);
         if (!isThere()) continue;
         attempt();

@@ -157,8 +157,10 @@ std::string moveLine(int x, int y, WPARAM keys);
 /// Puts the cursor at a place of the screen; back where it was at the end.
 class CursorAt {
 public:
-    CursorAt(int x, int y);
-    explicit CursorAt(POINT screen) : CursorAt(screen.x, screen.y) {}
+    /// A place that goes with a window: the window manager may answer an earlier size or position late.
+    explicit CursorAt(std::function<POINT()> screen);
+    explicit CursorAt(POINT screen) : CursorAt([screen] { return screen; }) {}
+    CursorAt(int x, int y) : CursorAt(POINT{x, y}) {}
     ~CursorAt();
 
     /// Runs `attempt` with the cursor at the place of the innermost CursorAt before and after it. The display reports
@@ -166,8 +168,8 @@ public:
     static int hold(const std::function<void()>& attempt);
 
 private:
+    std::function<POINT()> place;
     POINT before{};
-    POINT place{};
     CursorAt* outer;
 };
 

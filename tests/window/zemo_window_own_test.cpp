@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -61,6 +63,8 @@ private:
     std::shared_ptr<Journal> everything, sent;
 };
 
+constexpr LPARAM kAt = MAKELPARAM(11, 22);
+
 class ZemoWindowOwn : public testing::Test {
 protected:
     ~ZemoWindowOwn() override { closeAll(); }
@@ -105,6 +109,26 @@ protected:
         return got;
     }
 
+    /// A press at `place` of a window that was made by `prepare` and then got this width brings `wanted`. The window
+    /// manager may answer an earlier size or place late, and the window has that again for a while or for good; so one
+    /// of ten windows must show it. Says what came last.
+    testing::AssertionResult pressBrings(const Lines& wanted, int width, const std::function<void()>& prepare,
+                                         const std::function<POINT()>& place) {
+        Lines calls;
+        LONG last = 0;
+        for (int windows = 0; windows < 10; ++windows) {
+            prepare();
+            EXPECT_TRUE(SetWindowPos(window, nullptr, 40, 40, width, 500, SWP_NOZORDER));
+            const CursorAt at([&] { return onScreen(place()); });
+            calls = send(WM_LBUTTONDOWN, MK_LBUTTON, kAt).calls;
+            RECT frame{};
+            GetWindowRect(window, &frame);
+            last = frame.right - frame.left;
+            if (last == width && calls == wanted) return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << testing::PrintToString(calls) << " in a window " << last << " wide";
+    }
+
     POINT onScreen(POINT client) { return clientToScreen(window, client); }
 
     std::shared_ptr<Journal> everything = std::make_shared<Journal>();
@@ -115,7 +139,6 @@ protected:
     HANDLE thread = nullptr;
 };
 
-constexpr LPARAM kAt = MAKELPARAM(11, 22);
 constexpr LPARAM kNegative = MAKELPARAM(0xFFFB, 0xFF38);  // (-5, -200)
 
 // --- the window ---
@@ -515,7 +538,7 @@ TEST_F(ZemoWindowOwn, SetCursor_CustomThenButtonThenDefault) {
     const HCURSOR custom = LoadCursorW(nullptr, IDC_UPARROW);
     layer->setCustomCursor(custom);
     {
-        const CursorAt inside(onScreen(contentPoint(window)));
+        const CursorAt inside([this] { return onScreen(contentPoint(window)); });
         EXPECT_EQ(send(WM_SETCURSOR, self, inClient).result, 1);
         EXPECT_EQ(cursorAfter(), custom);
     }
@@ -527,11 +550,11 @@ TEST_F(ZemoWindowOwn, SetCursor_CustomThenButtonThenDefault) {
     layer->setCustomCursor(nullptr);
     layer->createCloseButton([] {});
     {
-        const CursorAt onButton(onScreen(closeButtonPoint(window)));
+        const CursorAt onButton([this] { return onScreen(closeButtonPoint(window)); });
         EXPECT_EQ(send(WM_SETCURSOR, self, inClient).result, 1);
     }
     {
-        const CursorAt inside(onScreen(contentPoint(window)));
+        const CursorAt inside([this] { return onScreen(contentPoint(window)); });
         EXPECT_EQ(send(WM_SETCURSOR, self, inClient).result, 0);
         // No private form here: a page's cursor is not taken from the message.
         const LPARAM beam = reinterpret_cast<LPARAM>(LoadCursorW(nullptr, IDC_IBEAM));
@@ -549,7 +572,7 @@ TEST_F(ZemoWindowOwn, CloseHit_ClearsTheUserDataFirstAndThePageSeesNothing) {
         userDataInClick = GetWindowLongPtrW(window, GWLP_USERDATA);
         sent->add("clicked");
     });
-    const CursorAt onButton(onScreen(closeButtonPoint(window)));
+    const CursorAt onButton([this] { return onScreen(closeButtonPoint(window)); });
     DWORD_PTR answer = 1;
     CursorAt::hold([&] { SendMessageTimeoutW(window, WM_LBUTTONDOWN, MK_LBUTTON, kAt, SMTO_NORMAL, 20000, &answer); });
     EXPECT_EQ(answer, 0u);
@@ -569,7 +592,7 @@ TEST_F(ZemoWindowOwn, CloseClickThatDropsTheLastReference_EndsTheLayerOnTheWindo
         layer.reset();
         everything->add("clicked");
     });
-    const CursorAt onButton(onScreen(closeButtonPoint(window)));
+    const CursorAt onButton([this] { return onScreen(closeButtonPoint(window)); });
     CursorAt::hold([&] {
         DWORD_PTR answer = 0;
         SendMessageTimeoutW(window, WM_LBUTTONDOWN, MK_LBUTTON, kAt, SMTO_NORMAL, 20000, &answer);
@@ -580,15 +603,11 @@ TEST_F(ZemoWindowOwn, CloseClickThatDropsTheLastReference_EndsTheLayerOnTheWindo
 }
 
 TEST_F(ZemoWindowOwn, Resized_TheButtonIsFoundAtItsNewPlace) {
-    make();
-    layer->createCloseButton([this] { everything->add("clicked"); });
-    SetWindowPos(window, nullptr, 40, 40, 900, 500, SWP_NOZORDER);
-    const CursorAt onButton(onScreen(closeButtonPoint(window)));
-    CursorAt::hold([&] {
-        DWORD_PTR answer = 0;
-        SendMessageTimeoutW(window, WM_LBUTTONDOWN, MK_LBUTTON, kAt, SMTO_NORMAL, 20000, &answer);
-    });
-    EXPECT_EQ(everything->count("clicked"), 1u);
+    const auto prepare = [this] {
+        make();
+        layer->createCloseButton([this] { sent->add("clicked"); });
+    };
+    EXPECT_TRUE(pressBrings({"clicked"}, 900, prepare, [this] { return closeButtonPoint(window); }));
 }
 
 TEST_F(ZemoWindowOwn, ResizedAcrossTheThreshold_ButtonTakesItsOtherSize) {
@@ -599,15 +618,18 @@ TEST_F(ZemoWindowOwn, ResizedAcrossTheThreshold_ButtonTakesItsOtherSize) {
     };
     for (const Case& one : {Case{640, 1000, 55, 55, true}, Case{1000, 640, 55, 55, false}}) {
         SCOPED_TRACE(one.after);
-        make();
-        layer->twoSizes = true;
-        ASSERT_TRUE(SetWindowPos(window, nullptr, 40, 40, one.before, 500, SWP_NOZORDER));
-        layer->createCloseButton([this] { sent->add("clicked"); });
-        ASSERT_TRUE(SetWindowPos(window, nullptr, 40, 40, one.after, 500, SWP_NOZORDER));
-        RECT client{};
-        GetClientRect(window, &client);
-        const CursorAt at(onScreen({client.right - one.fromRight, one.fromTop}));
-        EXPECT_EQ(send(WM_LBUTTONDOWN, MK_LBUTTON, kAt).calls, Lines{one.hit ? "clicked" : "onMouseButton(0,0,11,22)"});
+        const auto prepare = [&] {
+            make();
+            layer->twoSizes = true;
+            ASSERT_TRUE(SetWindowPos(window, nullptr, 40, 40, one.before, 500, SWP_NOZORDER));
+            layer->createCloseButton([this] { sent->add("clicked"); });
+        };
+        const auto place = [&] {
+            RECT client{};
+            GetClientRect(window, &client);
+            return POINT{client.right - one.fromRight, one.fromTop};
+        };
+        EXPECT_TRUE(pressBrings({one.hit ? "clicked" : "onMouseButton(0,0,11,22)"}, one.after, prepare, place));
     }
 }
 
@@ -691,7 +713,7 @@ TEST_F(ZemoWindowOwnPointer, EveryRowOfTheTable_CallsItsOperationAndAnswersZero)
 TEST_F(ZemoWindowOwnPointer, TouchOnTheCloseButton_ClicksAndKeepsTheUserData) {
     makePointer();
     layer->createCloseButton([this] { sent->add("clicked"); });
-    const CursorAt onButton(onScreen(closeButtonPoint(window)));
+    const CursorAt onButton([this] { return onScreen(closeButtonPoint(window)); });
     for (const UINT message : {WM_POINTERDOWN, WM_POINTERUPDATE, WM_POINTERUP})
         EXPECT_EQ(send(message, kPointer7, 0).calls, Lines{"clicked"});
     EXPECT_NE(GetWindowLongPtrW(window, GWLP_USERDATA), 0);
@@ -703,7 +725,7 @@ TEST_F(ZemoWindowOwnPointer, TouchOnTheCloseButton_ClicksAndKeepsTheUserData) {
 TEST_F(ZemoWindowOwnPointer, MousePressOnTheCloseButton_ClearsTheUserDataAndClicks) {
     makePointer();
     layer->createCloseButton([this] { sent->add(text("clicked %d", GetWindowLongPtrW(window, GWLP_USERDATA) != 0)); });
-    const CursorAt onButton(onScreen(closeButtonPoint(window)));
+    const CursorAt onButton([this] { return onScreen(closeButtonPoint(window)); });
     fakePointer.type = PT_MOUSE;
     fakePointer.change = POINTER_CHANGE_SECONDBUTTON_DOWN;
     CursorAt::hold([&] {
