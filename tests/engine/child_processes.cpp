@@ -32,7 +32,7 @@ std::vector<DWORD> childProcesses() {
     return children;
 }
 
-std::string childType(DWORD processId) {
+std::wstring childCommandLine(DWORD processId) {
     const OwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
     if (!process) return {};
     PROCESS_BASIC_INFORMATION basic{};
@@ -47,6 +47,11 @@ std::string childType(DWORD processId) {
     if (!read(peb.ProcessParameters, &parameters, sizeof parameters)) return {};
     std::wstring line(parameters.CommandLine.Length / sizeof(wchar_t), L'\0');
     if (!read(parameters.CommandLine.Buffer, line.data(), parameters.CommandLine.Length)) return {};
+    return line;
+}
+
+std::string childType(DWORD processId) {
+    const std::wstring line = childCommandLine(processId);
     const size_t at = line.find(L"--type=");
     if (at == std::wstring::npos) return {};
     std::string type;

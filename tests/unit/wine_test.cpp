@@ -12,6 +12,7 @@
 #include "core/wine/import_table.h"
 #include "core/wine/loader_order.h"
 #include "core/wine/pipe_writes.h"
+#include "core/wine/stack_profiler.h"
 #include "support/debug_log.h"
 #include "support/import_replaced.h"
 
@@ -55,6 +56,9 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     void** const write = findImport(program(), "WriteFile");
     ASSERT_NE(write, nullptr);
     void* const writeBefore = *write;
+    void** const line = findImport(program(), "GetCommandLineW");
+    ASSERT_NE(line, nullptr);
+    void* const lineBefore = *line;
     void** const closeKey = findImport(GetModuleHandleW(L"shell32.dll"), "RegCloseKey");
     void* const closeKeyBefore = closeKey ? *closeKey : nullptr;
     const ZEMO::Test::DebugLogCapture log;
@@ -71,6 +75,7 @@ TEST(Wine, NoExportOfWine_NothingIsTouchedAndItIsAskedOnce) {
     EXPECT_EQ(*place, before);
     EXPECT_EQ(*create, createBefore);
     EXPECT_EQ(*write, writeBefore);
+    EXPECT_EQ(*line, lineBefore);
     EXPECT_EQ(closeKey ? *closeKey : nullptr, closeKeyBefore);
     EXPECT_EQ(loaderList(), listBefore);
     EXPECT_TRUE(log.lines().empty()) << log.dump();
@@ -111,6 +116,7 @@ TEST(Wine, ModuleWithoutTheImports_NothingIsReplaced) {
     EXPECT_FALSE(divertHandleMoves(ntdll));
     EXPECT_FALSE(tieChildProcesses(ntdll));
     EXPECT_FALSE(divertPipeWrites(ntdll));
+    EXPECT_FALSE(disableStackProfiler(ntdll));
 }
 
 }  // namespace ZEMO::Core::Wine

@@ -8,6 +8,7 @@
 #include "core/wine/handle_moves.h"
 #include "core/wine/loader_order.h"
 #include "core/wine/pipe_writes.h"
+#include "core/wine/stack_profiler.h"
 
 namespace ZEMO::Core::Wine {
 namespace {
@@ -23,6 +24,7 @@ void guardEngine(HMODULE engine) {
     if (!divertHandleMoves(engine)) logDebugA("the engine's handle moves could not be diverted\n");
     if (!tieChildProcesses(engine)) logDebugA("the engine's processes could not be tied to this one\n");
     if (!divertPipeWrites(engine)) logDebugA("the engine's long messages could not be diverted\n");
+    if (!disableStackProfiler(engine)) logDebugA("the engine's stack profiler could not be disabled\n");
 }
 
 void skipEngineDetach(HMODULE engine) {

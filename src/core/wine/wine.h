@@ -12,8 +12,9 @@ namespace ZEMO::Core::Wine {
 bool isRunningUnderWine();
 
 /// Guards `engine` (libcef.dll, loaded and not yet initialised, never unloaded) against what Wine does otherwise than
-/// Windows: see loader_order.h, handle_moves.h, child_processes.h and pipe_writes.h. Logs what could not be done; the
-/// engine starts all the same. On Windows it does nothing. Once, engine thread; this module must be pinned.
+/// Windows: see loader_order.h, handle_moves.h, child_processes.h, pipe_writes.h and stack_profiler.h. Logs what could
+/// not be done; the engine starts all the same. On Windows it does nothing. Once, engine thread; this module must be
+/// pinned.
 void guardEngine(HMODULE engine);
 
 /// The same for the engine of one of its child processes, which needs pipe_writes.h only. False when it could not be
