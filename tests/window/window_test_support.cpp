@@ -126,7 +126,8 @@ LRESULT CALLBACK GameWindow::procedure(HWND hwnd, UINT message, WPARAM wParam, L
 void GameWindow::onThread(const std::function<void()>& work) {
     DWORD_PTR answer = 0;
     if (!SendMessageTimeoutW(window, kRunWork, 0, reinterpret_cast<LPARAM>(&work), SMTO_NORMAL, 20000, &answer)) {
-        std::fprintf(stderr, "the game window's thread does not answer\n");
+        std::fprintf(stderr, "the game window's thread does not answer (error %lu, window %p)\n", GetLastError(),
+                     static_cast<void*>(window));
         std::abort();
     }
 }
