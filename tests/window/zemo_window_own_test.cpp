@@ -378,6 +378,9 @@ TEST_F(ZemoWindowOwn, CursorLoaderThatThrowsOnTheWindowsThread_ConstructorThrows
     RecordingLayer::Options options;
     options.style = WindowStyle::Window;
     options.title = "a window that must not stay";
+    // Nobody knows when that window's thread has ended: a connection to the display that stays keeps the display's
+    // library from freeing its state then, while the next window's thread opens its own.
+    const GameWindow connected;
     {
         const ImportReplaced replaced("_wstat64", failingStat);
         EXPECT_THROW(ZEMOWindow::create<OwnLayer>(options, everything, sent), std::filesystem::filesystem_error);
