@@ -4,6 +4,7 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -32,14 +33,23 @@ std::vector<std::wstring> threadNames() {
 
 }  // namespace
 
-TEST(FirstPixels, PageOfOneColour_ArrivesInTheCallbackPixelForPixel) {
+/// A page of one colour, shown.
+class FirstPixels : public testing::Test {
+protected:
+    void SetUp() override {
+        server.serveHtml("/", solidPage("rgb(17, 34, 51)"));
+        view = game.makeView(server.url("/"), events);
+        view->show();
+        ASSERT_TRUE(game.waitFor("the page's colour", [&] { return game.frames.pixel(160, 100) == 0xFF112233u; }));
+    }
+
     HttpServer server;
-    server.serveHtml("/", solidPage("rgb(17, 34, 51)"));
     GameHost game;
     NavigationRecorder events;
-    auto view = game.makeView(server.url("/"), events);
-    view->show();
-    ASSERT_TRUE(game.waitFor("the page's colour", [&] { return game.frames.pixel(160, 100) == 0xFF112233u; }));
+    std::shared_ptr<UI::IZEMOWebView> view;
+};
+
+TEST_F(FirstPixels, PageOfOneColour_ArrivesInTheCallbackPixelForPixel) {
     EXPECT_TRUE(game.waitFor("completion", [&] { return events.has("completed"); }));
     EXPECT_TRUE(game.frames.replayMatches());
     EXPECT_EQ(game.frames.lastFrame().width, 320);
@@ -47,15 +57,7 @@ TEST(FirstPixels, PageOfOneColour_ArrivesInTheCallbackPixelForPixel) {
 }
 
 // Wine may leave a thread suspended for ever that the engine's stack profiler looks at.
-TEST(FirstPixels, UnderWine_NoProcessOfTheEngineIsProfiled) {
-    HttpServer server;
-    server.serveHtml("/", solidPage("rgb(17, 34, 51)"));
-    GameHost game;
-    NavigationRecorder events;
-    auto view = game.makeView(server.url("/"), events);
-    view->show();
-    ASSERT_TRUE(game.waitFor("the page's colour", [&] { return game.frames.pixel(160, 100) == 0xFF112233u; }));
-
+TEST_F(FirstPixels, UnderWine_NoProcessOfTheEngineIsProfiled) {
     std::vector<std::string> types;
     for (const DWORD child : childProcesses()) {
         types.push_back(childType(child));

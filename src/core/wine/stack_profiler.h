@@ -12,12 +12,13 @@
 // its server stops it once more for its registers. Where the profiler ends between the two calls, as at a process's
 // end, nobody lets the thread run again.
 //
-// How it was proven: a graphics process that leaves by itself was started again and again on a busy machine; one of
-// some 820 stayed for ever, its main thread suspended by a profiler that was gone. And a game whose page never came
-// had a graphics process that stood still in the middle of its start, the profiler beside it.
+// How it was seen: a graphics process that leaves by itself was started again and again on a busy machine; one of some
+// 820 stayed for ever, suspended, with no other thread of Wine's left; none of 1,959 without the profiler. A game whose
+// page never came had a graphics process that stood still in the middle of its start; that the profiler did it is
+// likely and not proven.
 //
-// How to see that it may go: without disableStackProfiler such a graphics process (`cef.subprocess.exe
-// --type=gpu-process --no-sandbox --start-stack-profiler`) ends each of some thousand times.
+// How to see that it may go: `cef.subprocess.exe --type=gpu-process --no-sandbox --start-stack-profiler` ends each of
+// some thousands of times.
 namespace ZEMO::Core::Wine {
 
 /// The command line of a program with the engine's own switch against its profiler, in front of all other arguments.
