@@ -48,7 +48,7 @@ uint32_t over(uint32_t premultiplied, uint32_t under) {
     return result;
 }
 
-D3D11Window::D3D11Window(int width, int height, bool closeButton) {
+D3D11Window::D3D11Window(int width, int height, bool closeButton, DWORD style) : game({100, 80, 900, 680}, style) {
     resize(width, height);
     renderer = createOsrRenderer(kRendererD3D11, game.handle(), closeButton);
 }

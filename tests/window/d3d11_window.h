@@ -33,7 +33,7 @@ uint32_t over(uint32_t premultiplied, uint32_t under);
 /// A game's window with a renderer of the Direct3D 11 kind on it; this thread is its render and its paint thread.
 class D3D11Window {
 public:
-    D3D11Window(int width, int height, bool closeButton = false);
+    D3D11Window(int width, int height, bool closeButton = false, DWORD style = WS_OVERLAPPEDWINDOW | WS_VISIBLE);
 
     /// Through the window's own thread; waits until the client area has the size.
     void resize(int width, int height);

@@ -64,8 +64,8 @@ size_t Journal::count(const std::string& line) const {
     return static_cast<size_t>(std::count(entries.begin(), entries.end(), line));
 }
 
-GameWindow::GameWindow(RECT place) {
-    thread = std::thread([this, place] { run(place); });
+GameWindow::GameWindow(RECT place, DWORD style) {
+    thread = std::thread([this, place, style] { run(place, style); });
     std::unique_lock lock(access);
     if (!changed.wait_for(lock, kPatience, [this] { return ready; })) {
         std::fprintf(stderr, "the game window's thread did not come up\n");
@@ -78,7 +78,7 @@ GameWindow::~GameWindow() {
     thread.join();
 }
 
-void GameWindow::run(RECT place) {
+void GameWindow::run(RECT place, DWORD style) {
     WNDCLASSEXW description{};
     description.cbSize = sizeof description;
     description.lpfnWndProc = procedure;
@@ -86,9 +86,8 @@ void GameWindow::run(RECT place) {
     description.hCursor = LoadCursorW(nullptr, IDC_CROSS);
     description.lpszClassName = kGameClass;
     RegisterClassExW(&description);
-    window = CreateWindowExW(WS_EX_TOPMOST, kGameClass, L"game", WS_OVERLAPPEDWINDOW | WS_VISIBLE, place.left,
-                             place.top, place.right - place.left, place.bottom - place.top, nullptr, nullptr,
-                             description.hInstance, this);
+    window = CreateWindowExW(WS_EX_TOPMOST, kGameClass, L"game", style, place.left, place.top, place.right - place.left,
+                             place.bottom - place.top, nullptr, nullptr, description.hInstance, this);
     {
         const std::lock_guard lock(access);
         ready = true;

@@ -48,7 +48,7 @@ class GameWindow {
 public:
     static constexpr LRESULT kGameAnswer = 0x6A3E;
 
-    explicit GameWindow(RECT place = {100, 80, 900, 680});
+    explicit GameWindow(RECT place = {100, 80, 900, 680}, DWORD style = WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     ~GameWindow();
     GameWindow(const GameWindow&) = delete;
     GameWindow& operator=(const GameWindow&) = delete;
@@ -70,7 +70,7 @@ public:
 
 private:
     static LRESULT CALLBACK procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    void run(RECT place);
+    void run(RECT place, DWORD style);
 
     HWND window = nullptr;
     mutable std::mutex access;
