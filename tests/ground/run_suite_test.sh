@@ -2,6 +2,7 @@
 # run_suite_test.sh RUN_SUITE FOLDER CASE : the command that runs the suite, over a made-up suite of shell lines.
 set -uo pipefail
 run_suite=$1 folder=$2 case=$3
+unset WINE_SESSION  # the suite around this one goes on with its own
 rm -rf "$folder"; mkdir -p "$folder"
 trap 'rm -rf "$folder"' EXIT
 fail() { echo "FAILED: $*"; echo "exit code $rc, output:"; echo "$output"; exit 1; }
