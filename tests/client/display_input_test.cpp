@@ -148,8 +148,17 @@ Lines played(InputPage& page, const std::string& act, size_t expected) {
         const size_t fences = fencesIn(lines);
         return fences >= kFenceLines.size() && lines.size() - fences >= expected;
     });
+    EXPECT_EQ(fencesIn(all), kFenceLines.size()) << "the display did not come to the row's end";
     std::erase_if(all, isFence);
     return all;
+}
+
+/// What the game's loop fetched, to see on which side of the library a line was lost. Of a window of the view's own
+/// there is nothing.
+std::string fetched(const InputPage& page) {
+    std::string text = "fetched by the game's loop:";
+    for (const GameMessage& message : page.game.fetchedMessages) text += std::format(" {:04x}", message.id);
+    return text;
 }
 
 void runMouseRows(InputPage& page, const std::vector<Row>& rows) {
@@ -157,7 +166,8 @@ void runMouseRows(InputPage& page, const std::vector<Row>& rows) {
         SCOPED_TRACE(row.act);
         if (row.doubles) page.game.pass(std::chrono::milliseconds(GetDoubleClickTime()));
         page.reachedGame();
-        EXPECT_EQ(played(page, row.act, row.page.size()), row.page);
+        page.game.fetchedMessages.clear();
+        EXPECT_EQ(played(page, row.act, row.page.size()), row.page) << fetched(page);
         EXPECT_EQ(page.reachedGame(), row.game);
     }
 }
