@@ -100,22 +100,8 @@ struct Case {
     WPARAM wParam;
     LPARAM lParam;
     void* engine;
+    std::function<void()> questions;  ///< what its floor asks of the system
 };
-
-void measure(HWND window, const Case& one) {
-    const auto procedure = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC));
-    const EntryReplaced replaced(one.engine, noteCall);
-    std::vector<double> samples;
-    for (int i = 0; i < kWarmUp + kSamples; ++i) {
-        wasCalled = false;
-        const Clock::time_point arrived = Clock::now();
-        procedure(window, one.message, one.wParam, one.lParam);
-        if (!wasCalled) throw std::runtime_error(std::string(one.name) + " did not reach the engine");
-        if (i >= kWarmUp) samples.push_back(microseconds(engineCalled - arrived));
-    }
-    const std::string name = std::string("to_engine/") + one.name;
-    report(name, "us", samples, name + "_floor");
-}
 
 LRESULT CALLBACK emptyProcedure(HWND, UINT, WPARAM, LPARAM) {
     noteCall();
@@ -126,25 +112,26 @@ void askKeys(std::initializer_list<int> keys) {
     for (const int key : keys) (void)GetKeyState(key);
 }
 
-void measureFloor(HWND window, const char* name, const std::function<void()>& questions) {
-    std::vector<double> samples;
+/// A message and its floor in turn: a question to the system's other process costs a tenth while that process is awake
+/// on the same core, which changes within a run.
+void measure(HWND window, const Case& one) {
+    const auto procedure = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC));
+    const EntryReplaced replaced(one.engine, noteCall);
+    std::vector<double> samples, floorSamples;
     for (int i = 0; i < kWarmUp + kSamples; ++i) {
-        const Clock::time_point arrived = Clock::now();
-        questions();
-        CallWindowProcW(emptyProcedure, window, WM_MOUSEMOVE, 0, 0);
+        wasCalled = false;
+        Clock::time_point arrived = Clock::now();
+        procedure(window, one.message, one.wParam, one.lParam);
+        if (!wasCalled) throw std::runtime_error(std::string(one.name) + " did not reach the engine");
         if (i >= kWarmUp) samples.push_back(microseconds(engineCalled - arrived));
+        arrived = Clock::now();
+        one.questions();
+        CallWindowProcW(emptyProcedure, window, WM_MOUSEMOVE, 0, 0);
+        if (i >= kWarmUp) floorSamples.push_back(microseconds(engineCalled - arrived));
     }
-    report(std::string("to_engine/") + name + "_floor", "us", samples);
-}
-
-void measureFloors(HWND window) {
-    measureFloor(window, "mouse_move", [] { askKeys({VK_MENU, VK_NUMLOCK, VK_CAPITAL}); });
-    measureFloor(window, "wheel", [window] {
-        POINT point{};
-        if (GetForegroundWindow() == window) ScreenToClient(window, &point);
-        askKeys({VK_SHIFT});
-    });
-    measureFloor(window, "key", [] { askKeys({VK_SHIFT, VK_CONTROL, VK_MENU, VK_NUMLOCK, VK_CAPITAL}); });
+    const std::string name = std::string("to_engine/") + one.name;
+    report(name, "us", samples, name + "_floor");
+    report(name + "_floor", "us", floorSamples);
 }
 
 int run() {
@@ -165,10 +152,16 @@ int run() {
     POINT point{200, 100};
     ClientToScreen(game.window, &point);
     SendMessageW(game.window, WM_MOUSEMOVE, 0, MAKELPARAM(100, 100));  // the first one is the game's
-    measure(game.window, {"mouse_move", WM_MOUSEMOVE, 0, MAKELPARAM(200, 100), engine.move});
-    measure(game.window, {"wheel", WM_MOUSEWHEEL, MAKEWPARAM(0, 120), MAKELPARAM(point.x, point.y), engine.wheel});
-    measure(game.window, {"key", WM_KEYDOWN, 'A', 0x001E0001, engine.key});
-    measureFloors(game.window);
+    const HWND window = game.window;
+    measure(window, {"mouse_move", WM_MOUSEMOVE, 0, MAKELPARAM(200, 100), engine.move,
+                     [] { askKeys({VK_MENU, VK_NUMLOCK, VK_CAPITAL}); }});
+    measure(window, {"wheel", WM_MOUSEWHEEL, MAKEWPARAM(0, 120), MAKELPARAM(point.x, point.y), engine.wheel, [window] {
+                         POINT asked{};
+                         if (GetForegroundWindow() == window) ScreenToClient(window, &asked);
+                         askKeys({VK_SHIFT});
+                     }});
+    measure(window, {"key", WM_KEYDOWN, 'A', 0x001E0001, engine.key,
+                     [] { askKeys({VK_SHIFT, VK_CONTROL, VK_MENU, VK_NUMLOCK, VK_CAPITAL}); }});
     view->close();
     view.reset();
     return 0;
