@@ -4,6 +4,7 @@
 
 #include "client/client_view.h"
 #include "client/engine_task.h"
+#include "core/process_messages.h"
 #include "core/process_state.h"
 #include "engine/cef_module.h"
 #include "engine/client/script/javascript_processor.h"
@@ -14,6 +15,7 @@
 #include "support/debug_log.h"
 #include "support/http_server.h"
 #include "support/own_window.h"
+#include "support/shared_message.h"
 
 // The callbacks of the browser client, made with the engine's real objects on the engine's real thread.
 namespace ZEMO::Test {
@@ -46,6 +48,9 @@ protected:
     bool receive(const char* name, const std::function<void(CefRefPtr<CefListValue>)>& fill) {
         CefRefPtr<CefProcessMessage> message = CefProcessMessage::Create(name);
         fill(message->GetArgumentList());
+        return deliver(message);
+    }
+    bool deliver(const CefRefPtr<CefProcessMessage>& message) {
         bool answer = false;
         runOnEngine(game, [&] {
             answer = view.adapter->OnProcessMessageReceived(browser, browser->GetMainFrame(), PID_RENDERER, message);
@@ -92,6 +97,18 @@ TEST_F(Callbacks, EvaluationAnswer_CallsTheWaitingFunctionWithElementsTwoAndThre
 TEST_F(Callbacks, EvaluationAnswer_UnknownIdOrNoArguments_Ignored) {
     EXPECT_TRUE(receive("evaluateJavascript", [](auto list) { list->SetString(0, "{none}"); }));
     EXPECT_TRUE(receive("evaluateJavascript", [](auto) {}));
+}
+
+TEST_F(Callbacks, MessageWithoutAListOfArguments_TakenWithoutEffect) {
+    registerImeEventCallback(&recordImeEvent);
+    for (const char* name : {Core::kEvaluateJavascript, Core::kBindObjectAsync, Core::kImePasswordFieldFocus}) {
+        const CefRefPtr<CefProcessMessage> message = makeSharedMessage(name);
+        ASSERT_TRUE(message) << name;
+        ASSERT_FALSE(message->GetArgumentList()) << name;
+        EXPECT_TRUE(deliver(message)) << name;
+    }
+    EXPECT_FALSE(ZEMO::UI::isPasswordFieldFocused());
+    EXPECT_TRUE(imeEvents().empty());
 }
 
 TEST_F(Callbacks, BindObject_CallbackGetsTheStoredMessageOnlyWhenBothAreThere) {

@@ -213,6 +213,18 @@ TEST_F(ConsumerCalls, HiddenAndClosed_WindowIsPaintedAnewEachTime) {
     EXPECT_TRUE(repaintIsDue());
 }
 
+TEST_F(ConsumerCalls, HiddenAndClosedWithoutAWindow_NoOtherWindowIsRepainted) {
+    const CefRefPtr<RecordedClient> client = new RecordedClient(nullptr, WindowStyle::Layer, false, calls);
+    int undisturbed = 0;
+    for (int i = 0; i < 5; ++i) {  // a window of another test may lay this one bare meanwhile
+        ValidateRect(game.window, nullptr);
+        client->setVisible(false, true);
+        client->close();
+        undisturbed += !repaintIsDue();
+    }
+    EXPECT_GT(undisturbed, 0);
+}
+
 TEST_F(ConsumerCalls, LastLayerClosed_ViewClosedThenHiddenThenCleared) {
     DebugLogCapture log;
     const auto client = make();

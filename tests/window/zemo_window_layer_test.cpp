@@ -694,6 +694,19 @@ TEST_F(ZemoWindowLayer, Destroyed_WindowIsPaintedAnewWithItsBackground) {
     EXPECT_TRUE(game().waitForMessage(WM_ERASEBKGND));
 }
 
+TEST_F(ZemoWindowLayer, DestroyedWithoutAWindow_NoOtherWindowIsPaintedAnew) {
+    int undisturbed = 0;
+    game().onThread([&] {
+        for (int i = 0; i < 5; ++i) {  // a window of another test may lay this one bare meanwhile
+            ValidateRect(window(), nullptr);
+            layer = ZEMOWindow::create<RecordingLayer>(RecordingLayer::Options{}, journal);
+            layer.reset();
+            undisturbed += !GetUpdateRect(window(), nullptr, FALSE);
+        }
+    });
+    EXPECT_GT(undisturbed, 0);
+}
+
 // --- construction ---
 
 TEST_F(ZemoWindowLayer, LayerStyle_TakesTheParentAsItsWindow) {
