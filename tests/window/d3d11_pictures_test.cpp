@@ -225,9 +225,7 @@ TEST(D3D11Pictures, CloseButtonAfterAResize_AtTheNewCorner) {
 }
 
 TEST(D3D11Pictures, OnTheScreen_SamePixels) {
-    // Without a frame and not activated: the display shows it by itself, and nothing waits for a window manager.
-    D3D11Window window(320, 200, false, WS_POPUP);
-    window.game.onThread([&] { ShowWindow(window.game.handle(), SW_SHOWNOACTIVATE); });
+    D3D11Window window(320, 200);
     const Picture page = solid(320, 200, 0xFF336699);
     window.paint(page);
     const POINT middle = clientToScreen(window.game.handle(), {160, 100});

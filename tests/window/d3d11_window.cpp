@@ -49,12 +49,13 @@ uint32_t over(uint32_t premultiplied, uint32_t under) {
 }
 
 D3D11Window::D3D11Window(int width, int height, bool closeButton, DWORD style) : game({100, 80, 900, 680}, style) {
+    game.onThread([&] { ShowWindow(game.handle(), SW_SHOWNOACTIVATE); });
     resize(width, height);
     renderer = createOsrRenderer(kRendererD3D11, game.handle(), closeButton);
 }
 
 void D3D11Window::resize(int width, int height) {
-    // The window manager answers in its own time, and sometimes with a size from before.
+    // A window manager answers in its own time, and sometimes with a size from before.
     for (int attempt = 0; attempt < 100; ++attempt) {
         game.onThread([&] { setClientSize(game.handle(), width, height); });
         const RECT client = game.client();
