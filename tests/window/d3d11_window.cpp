@@ -49,7 +49,7 @@ uint32_t over(uint32_t premultiplied, uint32_t under) {
 }
 
 D3D11Window::D3D11Window(int width, int height, bool closeButton, DWORD style) : game({100, 80, 900, 680}, style) {
-    game.onThread([&] { ShowWindow(game.handle(), SW_SHOWNOACTIVATE); });
+    if (style == WS_POPUP) game.showUnmanaged();
     resize(width, height);
     renderer = createOsrRenderer(kRendererD3D11, game.handle(), closeButton);
 }

@@ -31,8 +31,7 @@ inline constexpr uint32_t kBehindPage = 0xFFEDEEF6;
 uint32_t over(uint32_t premultiplied, uint32_t under);
 
 /// A game's window with a renderer of the Direct3D 11 kind on it; this thread is its render and its paint thread.
-/// Without a frame and not activated unless a style is given: the display shows it by itself, so no window manager can
-/// bring an earlier size back while a picture is taken.
+/// Unmanaged unless a style is given.
 class D3D11Window {
 public:
     D3D11Window(int width, int height, bool closeButton = false, DWORD style = WS_POPUP);

@@ -70,6 +70,7 @@ private:
 class Drawn : public ::testing::Test {
 protected:
     Drawn() : client(window.client()), width(client.right), height(client.bottom) {
+        window.showUnmanaged();
         frame.resize(static_cast<size_t>(width) * height);
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) frame[index(x, y)] = 0xFF000000u | (x * 255 / width) << 16 | (y % 256) << 8;
@@ -89,7 +90,7 @@ protected:
         }
     }
 
-    GameWindow window{{100, 80, 420, 280}};
+    GameWindow window{{100, 80, 420, 280}, WS_POPUP};
     RECT client;
     int width, height;
     std::vector<uint32_t> frame;

@@ -78,6 +78,10 @@ GameWindow::~GameWindow() {
     thread.join();
 }
 
+void GameWindow::showUnmanaged() {
+    onThread([this] { ShowWindow(window, SW_SHOWNOACTIVATE); });
+}
+
 void GameWindow::run(RECT place, DWORD style) {
     WNDCLASSEXW description{};
     description.cbSize = sizeof description;

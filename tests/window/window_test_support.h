@@ -54,6 +54,9 @@ public:
     GameWindow& operator=(const GameWindow&) = delete;
 
     HWND handle() const { return window; }
+    /// Shows a window of style WS_POPUP without activating it: no window manager takes it, which could bring an earlier
+    /// size back late.
+    void showUnmanaged();
     /// Runs `work` on the window's thread and waits for its end.
     void onThread(const std::function<void()>& work);
     /// Sends the message on the window's own thread, so that nothing else can come in between.
