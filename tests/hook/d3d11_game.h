@@ -15,6 +15,7 @@ public:
     static constexpr char kName[] = "Direct3D11";
     static constexpr int kCycles = 500;
     static constexpr size_t kComeAndGo = 0;
+    static constexpr size_t kContextsKept = kCycles;  ///< Wine may keep one of each swap chain, without a page too
 
     explicit D3D11Game(HWND gameWindow);
 

@@ -16,6 +16,7 @@ public:
     static constexpr char kName[] = "Direct3D12";
     static constexpr int kCycles = 50;       // a chain costs the software driver much time
     static constexpr size_t kComeAndGo = 3;  ///< what a frame in flight has once it has carried pixels
+    static constexpr size_t kContextsKept = 0;
 
     explicit D3D12Game(HWND gameWindow);
     ~D3D12Game() { end(); }

@@ -14,6 +14,7 @@ public:
     static constexpr char kName[] = "OpenGL";
     static constexpr int kCycles = 500;
     static constexpr size_t kComeAndGo = 0;
+    static constexpr size_t kContextsKept = 0;
 
     explicit GlGame(HWND gameWindow);
     ~GlGame() { end(); }

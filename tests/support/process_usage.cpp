@@ -62,7 +62,10 @@ void countGdiObjects(ProcessUsage& now) {
     const auto* table = *reinterpret_cast<const Entry* const*>(peb + kTableInPeb);
     for (size_t i = 0; i < 0x10000; ++i) {
         const uintptr_t handle = i | static_cast<uintptr_t>(table[i].upperHalf) << 16;
-        now.gdi += table[i].object && GetObjectType(reinterpret_cast<HGDIOBJ>(handle)) != 0;
+        if (!table[i].object) continue;
+        const DWORD type = GetObjectType(reinterpret_cast<HGDIOBJ>(handle));
+        now.gdi += type != 0;
+        now.deviceContexts += type == OBJ_DC;
     }
 }
 
